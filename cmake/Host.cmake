@@ -14,8 +14,10 @@ file(GLOB ONDRIVEL_HOST_SOURCES CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tools/host
 if(NOT ONDRIVEL_HOST_SOURCES)
   return()
 endif()
-add_library(ondrivel_host STATIC ${ONDRIVEL_HOST_SOURCES})
-target_include_directories(ondrivel_host PUBLIC ${CMAKE_SOURCE_DIR}/tools/host)
+# The parameter table gives the tools the plug-in's parameter ids and ranges (a VST3 host sees only
+# normalised values under numeric ids).
+add_library(ondrivel_host STATIC ${ONDRIVEL_HOST_SOURCES} ${CMAKE_SOURCE_DIR}/core/ParameterTable.cpp)
+target_include_directories(ondrivel_host PUBLIC ${CMAKE_SOURCE_DIR}/tools/host ${CMAKE_SOURCE_DIR})
 target_compile_definitions(ondrivel_host PUBLIC
   JUCE_PLUGINHOST_VST3=1
   JUCE_WEB_BROWSER=0
