@@ -2,6 +2,7 @@
 #include "core/KestruneAudioProcessor.h"
 
 #include "core/SoftClipper.h"
+#include "core/StateValues.h"
 #include "editor/PelvaneAudioProcessorEditor.h"
 #include "voice/SynthSound.h"
 #include "voice/SynthVoice.h"
@@ -330,7 +331,9 @@ void KestruneAudioProcessor::setStateInformation (const void* data, int sizeInBy
     if (xml == nullptr)
         return;
 
-    parameters.replaceState (juce::ValueTree::fromXml (*xml));
+    auto state = juce::ValueTree::fromXml (*xml);
+    removeNaNValues (state);
+    parameters.replaceState (state);
     presetManager.stateWasReplaced();
 }
 
