@@ -17,6 +17,12 @@ if(ONDRIVEL_SANITIZE)
   add_link_options(-fsanitize=address,undefined)
 endif()
 
+# Coverage instrumentation for libFuzzer (clang only); the fuzz programs link the fuzzer's main.
+option(ONDRIVEL_LIBFUZZER "Build the fuzz targets for libFuzzer (clang)" OFF)
+if(ONDRIVEL_LIBFUZZER)
+  add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
+
 find_program(CCACHE_PROGRAM ccache)
 if(CCACHE_PROGRAM)
   set(CMAKE_C_COMPILER_LAUNCHER ${CCACHE_PROGRAM})

@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: AGPL-3.0-or-later
+// The processor that every fuzz input is thrown at, built once per program, and the checks that
+// must hold after each input: parameters finite and in range, audio finite, state that round-trips.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+#include <juce_events/juce_events.h>
+
+#include "core/KestruneAudioProcessor.h"
+
+class FuzzedProcessor
+{
+public:
+    static FuzzedProcessor& get();
+
+    KestruneAudioProcessor& processor() { return *instance; }
+
+    // Aborts with a message (a crash libFuzzer reports, and a failure for the driver) when a
+    // parameter is outside its range or not finite, when a chord renders non-finite samples, or
+    // when the state the processor saves does not read back to the same values.
+    void checkAfterInput();
+
+    // Wraps arbitrary bytes as the text of a state block, the way copyXmlToBinary frames XML, so
+    // that mutations reach the XML reader instead of dying at the magic number.
+    static juce::MemoryBlock frameAsStateBlock (const std::uint8_t* data, std::size_t size);
+
+private:
+    FuzzedProcessor();
+
+    void checkParameters (const char* when);
+    void renderChord();
+
+    juce::ScopedJuceInitialiser_GUI framework;
+    std::unique_ptr<KestruneAudioProcessor> instance;
+    juce::AudioBuffer<float> buffer;
+    juce::MidiBuffer midi;
+};
