@@ -32,6 +32,11 @@ target_link_libraries(ondrivel_host
   PRIVATE
     juce::juce_audio_utils
     juce::juce_recommended_config_flags)
+# juce_add_* targets get the system image libraries from the framework's helpers; a plain library
+# has to ask for them itself.
+if(TARGET juce::pkgconfig_JUCE_IMG_LINUX_DEPS)
+  target_link_libraries(ondrivel_host PRIVATE juce::pkgconfig_JUCE_IMG_LINUX_DEPS)
+endif()
 
 file(GLOB ONDRIVEL_RENDER_SOURCES CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tools/render/*.cpp)
 add_executable(ondrivel-render ${ONDRIVEL_RENDER_SOURCES})
