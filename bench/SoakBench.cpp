@@ -113,8 +113,8 @@ void Soak (benchmark::State& state)
         std::nth_element (v.begin(), v.begin() + (std::ptrdiff_t) (v.size() / 2), v.end());
         return v[v.size() / 2];
     };
-    const double firstTenth = medianOf ({ blockSeconds.begin(), blockSeconds.begin() + (std::ptrdiff_t) tenth });
-    const double lastTenth = medianOf ({ blockSeconds.end() - (std::ptrdiff_t) tenth, blockSeconds.end() });
+    const double firstTenth = medianOf (std::vector<double> (blockSeconds.begin(), blockSeconds.begin() + (std::ptrdiff_t) tenth));
+    const double lastTenth = medianOf (std::vector<double> (blockSeconds.end() - (std::ptrdiff_t) tenth, blockSeconds.end()));
 
     state.counters["audio_s"] = audioSeconds;
     state.counters["rtf"] = busy / audioSeconds; // CPU seconds per audio second; below 1 is real time
