@@ -7,6 +7,8 @@
 #include <ctime>
 
 #include "engine/support/AllocationCounter.h"
+#include "engine/support/LockCounter.h"
+#include "engine/support/MallocCounter.h"
 
 namespace
 {
@@ -24,6 +26,9 @@ void StressStats::merge (const StressStats& other)
     samples += other.samples;
     nonFinite += other.nonFinite;
     allocations += other.allocations;
+    cAllocations += other.cAllocations;
+    mostMutexes = juce::jmax (mostMutexes, other.mostMutexes);
+    mostMutexesWithModWheel = juce::jmax (mostMutexesWithModWheel, other.mostMutexesWithModWheel);
     peak = juce::jmax (peak, other.peak);
     blockNanoseconds.insert (blockNanoseconds.end(), other.blockNanoseconds.begin(), other.blockNanoseconds.end());
 }
@@ -54,17 +59,29 @@ void StressRig::render (int n, juce::MidiBuffer& midi)
     juce::AudioBuffer<float> block (buffer.getArrayOfWritePointers(), 2, n);
     block.clear();
 
-    std::size_t allocations = 0;
+    bool modWheel = false;
+    for (const auto metadata : midi)
+        modWheel = modWheel || (metadata.numBytes == 3 && (metadata.data[0] & 0xf0) == 0xb0 && metadata.data[1] == 1);
+
+    std::size_t allocations = 0, cAllocations = 0, mutexes = 0;
     const double start = recordTimes ? threadCpuNanoseconds() : 0.0;
     {
+        ScopedLockRecord locks;
+        ScopedMallocCount mallocs;
         ScopedAllocationCount count;
         instance->processBlock (block, midi);
         allocations = count.getCount();
+        // operator new of the test program allocates through malloc: count the rest.
+        cAllocations = mallocs.getCount() - juce::jmin (mallocs.getCount(), allocations);
+        mutexes = locks.getDistinctMutexes();
     }
     if (recordTimes)
         stats.blockNanoseconds.push_back (threadCpuNanoseconds() - start);
 
     stats.allocations += allocations;
+    stats.cAllocations += cAllocations;
+    auto& most = modWheel ? stats.mostMutexesWithModWheel : stats.mostMutexes;
+    most = juce::jmax (most, mutexes);
     stats.blocks += 1;
     stats.samples += n;
     for (int ch = 0; ch < 2; ++ch)
@@ -130,8 +147,8 @@ double stressSeconds (double seconds)
 
 void reportCase (const juce::String& name, const StressStats& stats)
 {
-    std::printf ("stress | %-58s | %8lld blocks | %9lld samples | peak %10.4f | non-finite %lld | allocations %zu\n",
+    std::printf ("stress | %-58s | %8lld blocks | %9lld samples | peak %10.4f | non-finite %lld | allocations %zu new, %zu malloc | mutexes %zu/%zu\n",
                  name.toRawUTF8(), (long long) stats.blocks, (long long) stats.samples, (double) stats.peak,
-                 (long long) stats.nonFinite, stats.allocations);
+                 (long long) stats.nonFinite, stats.allocations, stats.cAllocations, stats.mostMutexes, stats.mostMutexesWithModWheel);
     std::fflush (stdout);
 }

@@ -16,8 +16,12 @@ struct StressStats
     std::int64_t blocks = 0;
     std::int64_t samples = 0;
     std::int64_t nonFinite = 0;
-    std::size_t allocations = 0;
+    std::size_t allocations = 0;  // operator new
+    std::size_t cAllocations = 0; // malloc and its kin called directly (the framework's buffers and arrays)
     float peak = 0.0f;
+    // Most distinct mutexes one processBlock locked, in blocks without and with a mod-wheel message.
+    std::size_t mostMutexes = 0;
+    std::size_t mostMutexesWithModWheel = 0;
     std::vector<double> blockNanoseconds; // thread CPU time of each processBlock call
 
     void merge (const StressStats& other);
