@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: AGPL-3.0-or-later
+// The octaver's float transform against a direct DFT in double, both directions, several sizes.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <complex>
+#include <random>
+#include <vector>
+
+#include "effects/FloatFft.h"
+
+namespace
+{
+std::vector<std::complex<double>> directDft (const std::vector<float>& interleaved, long n, int sign)
+{
+    std::vector<std::complex<double>> result ((size_t) n);
+    for (long k = 0; k < n; ++k)
+    {
+        std::complex<double> sum = 0.0;
+        for (long t = 0; t < n; ++t)
+        {
+            const double angle = sign * 2.0 * M_PI * (double) ((k * t) % n) / (double) n;
+            sum += std::complex<double> (interleaved[(size_t) (2 * t)], interleaved[(size_t) (2 * t + 1)])
+                   * std::polar (1.0, angle);
+        }
+        result[(size_t) k] = sum;
+    }
+    return result;
+}
+} // namespace
+
+TEST (FftTest, ForwardAndInverseMatchADirectDftOnRandomInput)
+{
+    std::mt19937 random (1234);
+    std::uniform_real_distribution<float> uniform (-1.0f, 1.0f);
+
+    for (const long n : { 2L, 4L, 8L, 64L, 512L, 2048L })
+    {
+        for (const int sign : { -1, 1 })
+        {
+            std::vector<float> data ((size_t) (2 * n));
+            for (auto& x : data)
+                x = uniform (random);
+
+            const auto expected = directDft (data, n, sign);
+            FloatFft::perform (data.data(), n, sign);
+
+            // Float rounding grows about with log2 n; the bins' size grows with sqrt n.
+            const double tolerance = 2e-6 * std::sqrt ((double) n) * std::log2 ((double) n + 1.0) * 4.0;
+            double worst = 0.0;
+            for (long k = 0; k < n; ++k)
+            {
+                const std::complex<double> got (data[(size_t) (2 * k)], data[(size_t) (2 * k + 1)]);
+                worst = std::max (worst, std::abs (got - expected[(size_t) k]));
+            }
+            EXPECT_LT (worst, tolerance) << "n " << n << " sign " << sign;
+        }
+    }
+}
+
+TEST (FftTest, ForwardThenInverseGivesTheInputTimesN)
+{
+    std::mt19937 random (99);
+    std::uniform_real_distribution<float> uniform (-1.0f, 1.0f);
+    const long n = 2048;
+    std::vector<float> original ((size_t) (2 * n));
+    for (auto& x : original)
+        x = uniform (random);
+
+    auto data = original;
+    FloatFft::perform (data.data(), n, -1);
+    FloatFft::perform (data.data(), n, 1);
+
+    double worst = 0.0;
+    for (size_t i = 0; i < data.size(); ++i)
+        worst = std::max (worst, std::abs (data[i] / (double) n - original[i]));
+    EXPECT_LT (worst, 5e-5);
+}
+
+TEST (FftTest, AnImpulseGivesAFlatSpectrumAndASineOneBin)
+{
+    const long n = 2048;
+    std::vector<float> data ((size_t) (2 * n), 0.0f);
+    data[0] = 1.0f;
+    FloatFft::perform (data.data(), n, -1);
+    for (long k = 0; k < n; ++k)
+    {
+        ASSERT_EQ (data[(size_t) (2 * k)], 1.0f);
+        ASSERT_EQ (data[(size_t) (2 * k + 1)], 0.0f);
+    }
+
+    // A cosine on bin 37: forward puts n/2 into bins 37 and n - 37 and nearly nothing elsewhere.
+    for (long t = 0; t < n; ++t)
+    {
+        data[(size_t) (2 * t)] = (float) std::cos (2.0 * M_PI * 37.0 * (double) t / (double) n);
+        data[(size_t) (2 * t + 1)] = 0.0f;
+    }
+    FloatFft::perform (data.data(), n, -1);
+    for (long k = 0; k < n; ++k)
+    {
+        const double magnitude = std::hypot (data[(size_t) (2 * k)], data[(size_t) (2 * k + 1)]);
+        if (k == 37 || k == n - 37)
+            EXPECT_NEAR (magnitude, n / 2.0, 1e-2);
+        else
+            EXPECT_LT (magnitude, 1e-2) << k;
+    }
+}
