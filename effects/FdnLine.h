@@ -48,14 +48,21 @@ public:
         const double f = fadeTable[(std::size_t) fadeCount];
         const double result = y[activeTap ^ 1] * (1.0 - f) + y[activeTap] * f;
 
-        writeIndex = (writeIndex + 1) % capacity;
-        readIndex[0] = (readIndex[0] + 1) % capacity;
-        readIndex[1] = (readIndex[1] + 1) % capacity;
+        // Indexes stay in [0, capacity), so a wrap test gives what the modulo would, without a division.
+        writeIndex = wrapNext (writeIndex);
+        readIndex[0] = wrapNext (readIndex[0]);
+        readIndex[1] = wrapNext (readIndex[1]);
         fadeCount = (fadeCount + 1) & 15;
         return result;
     }
 
 private:
+    long wrapNext (long index) const noexcept
+    {
+        ++index;
+        return index >= capacity ? 0 : index;
+    }
+
     struct Allpass
     {
         double coefficient = 0.0;

@@ -91,15 +91,15 @@ double FdnReverb::tick (double input) noexcept
 {
     // Every row reads only the previous tick's outputs, so all fifteen line inputs can be formed
     // first; each keeps its own order of additions.
-    std::array<double, numLines> rowSum {};
+    alignas (16) std::array<double, paddedLines> rowSum {};
     for (size_t m = 0; m < (size_t) numLines; ++m)
     {
         const double* run = lineOutRun.data() + m;
         if (rowSignNegative[m])
-            for (size_t i = 0; i < (size_t) numLines; ++i)
+            for (size_t i = 0; i < paddedLines; ++i)
                 rowSum[i] -= run[i];
         else
-            for (size_t i = 0; i < (size_t) numLines; ++i)
+            for (size_t i = 0; i < paddedLines; ++i)
                 rowSum[i] += run[i];
     }
 

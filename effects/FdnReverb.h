@@ -4,6 +4,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <vector>
 
 #include "effects/FdnAbsorption.h"
@@ -38,8 +39,10 @@ private:
     std::array<FdnAbsorption, numLines> absorption {};
     std::array<double, numLines> lineGain {};
     // lineOut followed by lineOutCopy[0..13]: the previous tick's outputs laid out twice, so that every
-    // row of the circulant mixing matrix is a straight run of 15 values.
-    std::array<double, numLines + numLines - 1> lineOutRun {};
+    // row of the circulant mixing matrix is a straight run of 15 values. Two more zeros let the rows
+    // be summed 16 wide; the sixteenth sum is never used.
+    static constexpr std::size_t paddedLines = 16;
+    alignas (16) std::array<double, numLines + numLines - 1 + 2> lineOutRun {};
     std::array<double, numLines> detune {};
 
     double lx = 0.0, ly = 0.0, lz = 0.0;

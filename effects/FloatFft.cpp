@@ -4,21 +4,50 @@
 #include "effects/FloatFft.h"
 
 #include <cmath>
-#include <utility>
+
+#if defined(__SSE2__)
+ #include <emmintrin.h>
+#endif
+
+namespace
+{
+constexpr float pi = 3.14159265358979323846f;
+
+long stageCount (long frameSize)
+{
+    return (long) (std::log ((double) frameSize) / std::log (2.0) + 0.5);
+}
+
+long bitReversed (long i, long twiceSize)
+{
+    long j = 0;
+    for (long mask = 2; mask < twiceSize; mask <<= 1)
+    {
+        if ((i & mask) != 0)
+            ++j;
+        j <<= 1;
+    }
+    return j;
+}
+
+inline void butterfly (float* a, float* b, float ur, float ui) noexcept
+{
+    const float tr = b[0] * ur - b[1] * ui;
+    const float ti = b[0] * ui + b[1] * ur;
+    b[0] = a[0] - tr;
+    b[1] = a[1] - ti;
+    a[0] += tr;
+    a[1] += ti;
+}
+} // namespace
 
 void FloatFft::perform (float* workspace, long frameSize, long sign) noexcept
 {
-    const long size = 2 * frameSize;
+    const long twice = 2 * frameSize;
 
-    for (long i = 2; i < size - 2; i += 2)
+    for (long i = 2; i < twice - 2; i += 2)
     {
-        long j = 0;
-        for (long mask = 2; mask < size; mask <<= 1)
-        {
-            if ((i & mask) != 0)
-                ++j;
-            j <<= 1;
-        }
+        const long j = bitReversed (i, twice);
         if (i < j)
         {
             std::swap (workspace[i], workspace[j]);
@@ -26,8 +55,7 @@ void FloatFft::perform (float* workspace, long frameSize, long sign) noexcept
         }
     }
 
-    const long stages = (long) (std::log ((double) frameSize) / std::log (2.0) + 0.5);
-    const float pi = 3.14159265358979323846f;
+    const long stages = stageCount (frameSize);
     long le = 2;
     for (long stage = 0; stage < stages; ++stage)
     {
@@ -41,20 +69,108 @@ void FloatFft::perform (float* workspace, long frameSize, long sign) noexcept
 
         for (long j = 0; j < le2; j += 2)
         {
-            for (long i = j; i < size; i += le)
-            {
-                float* a = workspace + i;
-                float* b = a + le2;
-                const float tr = b[0] * ur - b[1] * ui;
-                const float ti = b[0] * ui + b[1] * ur;
-                b[0] = a[0] - tr;
-                b[1] = a[1] - ti;
-                a[0] += tr;
-                a[1] += ti;
-            }
+            for (long i = j; i < twice; i += le)
+                butterfly (workspace + i, workspace + i + le2, ur, ui);
             const float rotated = ur * wr - ui * wi;
             ui = ur * wi + ui * wr;
             ur = rotated;
         }
+    }
+}
+
+FloatFft::Twiddles FloatFft::makeTwiddles (long frameSize, long sign)
+{
+    // The same rotation `perform` runs, recorded once: every entry is the float it would use.
+    Twiddles t;
+    long le = 2;
+    for (long stage = 0; stage < stageCount (frameSize); ++stage)
+    {
+        le <<= 1;
+        const long le2 = le >> 1;
+        float ur = 1.0f;
+        float ui = 0.0f;
+        const float arg = pi / (float) (le2 >> 1);
+        const float wr = std::cos (arg);
+        const float wi = (float) sign * std::sin (arg);
+        for (long j = 0; j < le2; j += 2)
+        {
+            t.real.insert (t.real.end(), { ur, ur });
+            t.imag.insert (t.imag.end(), { ui, ui });
+            const float rotated = ur * wr - ui * wi;
+            ui = ur * wi + ui * wr;
+            ur = rotated;
+        }
+    }
+    return t;
+}
+
+FloatFft::FloatFft (long frameSize)
+    : size (frameSize),
+      stages (stageCount (frameSize)),
+      forward (makeTwiddles (frameSize, -1)),
+      inverse (makeTwiddles (frameSize, 1))
+{
+    const long twice = 2 * frameSize;
+    for (long i = 2; i < twice - 2; i += 2)
+    {
+        const long j = bitReversed (i, twice);
+        if (i < j)
+            swaps.emplace_back ((int) i, (int) j);
+    }
+}
+
+void FloatFft::transform (float* workspace, long sign) const noexcept
+{
+    for (const auto& [i, j] : swaps)
+    {
+        std::swap (workspace[i], workspace[j]);
+        std::swap (workspace[i + 1], workspace[j + 1]);
+    }
+
+    // Butterflies of one stage touch disjoint pairs, so they may run in any order and two at a time;
+    // each one keeps its own operations and their order.
+    const auto& twiddles = sign < 0 ? forward : inverse;
+    const long twice = 2 * size;
+    size_t offset = 0;
+    long le = 2;
+    for (long stage = 0; stage < stages; ++stage)
+    {
+        le <<= 1;
+        const long le2 = le >> 1;
+        const float* re = twiddles.real.data() + offset;
+        const float* im = twiddles.imag.data() + offset;
+        offset += (size_t) le2;
+
+        if (le2 == 2)
+        {
+            for (long i = 0; i < twice; i += le)
+                butterfly (workspace + i, workspace + i + 2, re[0], im[0]);
+            continue;
+        }
+
+#if defined(__SSE2__)
+        // re * ur + (-(im * ui)) is re * ur - im * ui exactly; im * ur + re * ui equals re * ui + im * ur.
+        const __m128 negateEven = _mm_castsi128_ps (_mm_set_epi32 (0, (int) 0x80000000, 0, (int) 0x80000000));
+        for (long group = 0; group < twice; group += le)
+        {
+            for (long j = 0; j < le2; j += 4)
+            {
+                float* a = workspace + group + j;
+                float* b = a + le2;
+                const __m128 ur = _mm_loadu_ps (re + j);
+                const __m128 ui = _mm_loadu_ps (im + j);
+                const __m128 second = _mm_loadu_ps (b);
+                const __m128 swapped = _mm_shuffle_ps (second, second, _MM_SHUFFLE (2, 3, 0, 1));
+                const __m128 t = _mm_add_ps (_mm_mul_ps (second, ur), _mm_xor_ps (_mm_mul_ps (swapped, ui), negateEven));
+                const __m128 first = _mm_loadu_ps (a);
+                _mm_storeu_ps (b, _mm_sub_ps (first, t));
+                _mm_storeu_ps (a, _mm_add_ps (first, t));
+            }
+        }
+#else
+        for (long group = 0; group < twice; group += le)
+            for (long j = 0; j < le2; j += 2)
+                butterfly (workspace + group + j, workspace + group + j + le2, re[j], im[j]);
+#endif
     }
 }

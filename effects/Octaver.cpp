@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "effects/FloatFft.h"
 
 namespace
 {
@@ -46,9 +45,12 @@ double Octaver::windowAt (long k) noexcept
     return hannTable().values[(size_t) k];
 }
 
-void Octaver::fft (float* workspace, long size, long sign) noexcept
+void Octaver::fft (float* workspace, long size, long sign) const noexcept
 {
-    FloatFft::perform (workspace, size, sign);
+    if (size == transformer.getSize())
+        transformer.transform (workspace, sign);
+    else
+        FloatFft::perform (workspace, size, sign);
 }
 
 void Octaver::prepare (double sampleRate, int samplesPerBlock)

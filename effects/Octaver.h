@@ -7,6 +7,8 @@
 
 #include <juce_audio_basics/juce_audio_basics.h>
 
+#include "effects/FloatFft.h"
+
 class Octaver
 {
 public:
@@ -23,7 +25,7 @@ public:
     void process (juce::AudioBuffer<float>& wet, int numSamples, float mix, float ratio) noexcept;
 
     // The in-place transform the frames use (sign -1 forward, +1 inverse, unscaled).
-    static void fft (float* workspace, long frameSize, long sign) noexcept;
+    void fft (float* workspace, long size, long sign) const noexcept;
 
     // The analysis and synthesis window; tabled, each entry as the formula gives it.
     static double windowAt (long k) noexcept;
@@ -56,6 +58,7 @@ private:
     double expectedPhaseStep = 3.14159265358979323846 / 4.0; // 2 pi hop / frame
     float ratio = 0.5f;
 
+    FloatFft transformer { 2048 };
     juce::AudioBuffer<float> mono;
     juce::AudioBuffer<float> output;
 };

@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <complex>
+#include <cstring>
 #include <random>
 #include <vector>
 
@@ -103,5 +104,30 @@ TEST (FftTest, AnImpulseGivesAFlatSpectrumAndASineOneBin)
             EXPECT_NEAR (magnitude, n / 2.0, 1e-2);
         else
             EXPECT_LT (magnitude, 1e-2) << k;
+    }
+}
+
+TEST (FftTest, TabledTransformIsBitIdenticalToTheStepByStepOne)
+{
+    // The tables hold the rotated twiddles and the bit-reversal swaps; the result must not move by a bit.
+    std::mt19937 random (5);
+    std::normal_distribution<float> normal (0.0f, 1.0f);
+    for (const long n : { 4L, 8L, 16L, 256L, 2048L, 8192L })
+    {
+        const FloatFft tabled (n);
+        for (const long sign : { -1L, 1L })
+        {
+            for (int trial = 0; trial < 3; ++trial)
+            {
+                std::vector<float> data ((size_t) (2 * n));
+                for (auto& x : data)
+                    x = trial == 2 ? std::ldexp (normal (random), (int) (random() % 60) - 30) : normal (random);
+                auto expected = data;
+                FloatFft::perform (expected.data(), n, sign);
+                tabled.transform (data.data(), sign);
+                ASSERT_EQ (0, std::memcmp (data.data(), expected.data(), data.size() * sizeof (float)))
+                    << "n " << n << " sign " << sign << " trial " << trial;
+            }
+        }
     }
 }
