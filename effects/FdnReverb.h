@@ -7,20 +7,17 @@
 #include <cstddef>
 #include <vector>
 
-#include "effects/FdnAbsorption.h"
-#include "effects/FdnLine.h"
-
 class FdnReverb
 {
 public:
     static constexpr int numLines = 15;
 
-    // Draws the lines' detunings from the C library's rand, so construct only while preparing.
+    // Allocates the lines and draws their detunings from the C library's rand, so construct only
+    // while preparing.
     explicit FdnReverb (long lineCapacity);
 
     // The rate every network of the process works at; set before constructing one.
     static void setSampleRate (float newSampleRate);
-    static double getSampleRate() noexcept { return sampleRate; }
 
     void setRoom (double lengthX, double lengthY, double lengthZ) noexcept;
     void setDecay (double newRt60Low, double newRt60High) noexcept;
@@ -32,16 +29,41 @@ public:
     double tick (double input) noexcept;
 
 private:
+    // Lines are kept as columns: every line has the same capacity and advances in step, so the write
+    // position, the fade position and the active tap are one value for all of them. Arrays are 16
+    // wide so whole rows can be summed in pairs; entry 15 is never read back.
+    static constexpr std::size_t width = 16;
+    using LineArray = std::array<double, width>;
+
+    struct Allpass
+    {
+        alignas (16) LineArray coefficient {};
+        alignas (16) LineArray lastInput {};
+        alignas (16) LineArray lastOutput {};
+    };
+
     static double sampleRate;
     static double inverseSampleRate;
 
-    std::vector<FdnLine> lines;
-    std::array<FdnAbsorption, numLines> absorption {};
-    std::array<double, numLines> lineGain {};
+    long capacity = 1;
+    std::vector<double> buffers; // line i occupies [i * capacity, (i + 1) * capacity)
+
+    std::array<Allpass, 2> allpass {};
+    alignas (16) LineArray allpassCoefficient {};
+    std::array<long, width> delayInt {};
+    alignas (16) std::array<std::array<int, width>, 2> readIndex {}; // below capacity, which fits an int
+    long writeIndex = 0;
+    int fadeCount = 0;
+    int activeTap = 0;
+
+    // The absorbing one-pole per line: z = x b - a z1.
+    alignas (16) LineArray absorptionB {};
+    alignas (16) LineArray absorptionA {};
+    alignas (16) LineArray absorptionState {};
+
+    alignas (16) LineArray lineGain {};
     // lineOut followed by lineOutCopy[0..13]: the previous tick's outputs laid out twice, so that every
-    // row of the circulant mixing matrix is a straight run of 15 values. Two more zeros let the rows
-    // be summed 16 wide; the sixteenth sum is never used.
-    static constexpr std::size_t paddedLines = 16;
+    // row of the circulant mixing matrix is a straight run of 15 values; two zeros pad it to 16 wide.
     alignas (16) std::array<double, numLines + numLines - 1 + 2> lineOutRun {};
     std::array<double, numLines> detune {};
 
