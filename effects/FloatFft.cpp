@@ -133,7 +133,47 @@ void FloatFft::transform (float* workspace, long sign) const noexcept
     const long twice = 2 * size;
     size_t offset = 0;
     long le = 2;
-    for (long stage = 0; stage < stages; ++stage)
+    long firstStage = 0;
+
+#if defined(__SSE2__)
+    const __m128 negateEven = _mm_castsi128_ps (_mm_set_epi32 (0, (int) 0x80000000, 0, (int) 0x80000000));
+    // The twiddled second half of a butterfly: (re ur - im ui, re ui + im ur) for two pairs at once;
+    // re * ur + (-(im * ui)) is re * ur - im * ui exactly, and im * ur + re * ui equals re * ui + im * ur.
+    const auto twiddled = [negateEven] (__m128 second, __m128 ur, __m128 ui)
+    {
+        const __m128 swapped = _mm_shuffle_ps (second, second, _MM_SHUFFLE (2, 3, 0, 1));
+        return _mm_add_ps (_mm_mul_ps (second, ur), _mm_xor_ps (_mm_mul_ps (swapped, ui), negateEven));
+    };
+
+    if (stages >= 2)
+    {
+        // The first two stages stay within blocks of four pairs: run both on a block held in registers.
+        const __m128 ur0 = _mm_set1_ps (twiddles.real[0]);
+        const __m128 ui0 = _mm_set1_ps (twiddles.imag[0]);
+        const __m128 ur1 = _mm_loadu_ps (twiddles.real.data() + 2);
+        const __m128 ui1 = _mm_loadu_ps (twiddles.imag.data() + 2);
+        for (long i = 0; i < twice; i += 8)
+        {
+            const __m128 x01 = _mm_loadu_ps (workspace + i);
+            const __m128 x23 = _mm_loadu_ps (workspace + i + 4);
+            const __m128 x02 = _mm_movelh_ps (x01, x23);
+            const __m128 x13 = _mm_movehl_ps (x23, x01);
+            const __m128 t0 = twiddled (x13, ur0, ui0);
+            const __m128 y02 = _mm_add_ps (x02, t0);
+            const __m128 y13 = _mm_sub_ps (x02, t0);
+            const __m128 y01 = _mm_movelh_ps (y02, y13);
+            const __m128 y23 = _mm_movehl_ps (y13, y02);
+            const __m128 t1 = twiddled (y23, ur1, ui1);
+            _mm_storeu_ps (workspace + i, _mm_add_ps (y01, t1));
+            _mm_storeu_ps (workspace + i + 4, _mm_sub_ps (y01, t1));
+        }
+        firstStage = 2;
+        le = 8;
+        offset = 6;
+    }
+#endif
+
+    for (long stage = firstStage; stage < stages; ++stage)
     {
         le <<= 1;
         const long le2 = le >> 1;
@@ -149,19 +189,13 @@ void FloatFft::transform (float* workspace, long sign) const noexcept
         }
 
 #if defined(__SSE2__)
-        // re * ur + (-(im * ui)) is re * ur - im * ui exactly; im * ur + re * ui equals re * ui + im * ur.
-        const __m128 negateEven = _mm_castsi128_ps (_mm_set_epi32 (0, (int) 0x80000000, 0, (int) 0x80000000));
         for (long group = 0; group < twice; group += le)
         {
             for (long j = 0; j < le2; j += 4)
             {
                 float* a = workspace + group + j;
                 float* b = a + le2;
-                const __m128 ur = _mm_loadu_ps (re + j);
-                const __m128 ui = _mm_loadu_ps (im + j);
-                const __m128 second = _mm_loadu_ps (b);
-                const __m128 swapped = _mm_shuffle_ps (second, second, _MM_SHUFFLE (2, 3, 0, 1));
-                const __m128 t = _mm_add_ps (_mm_mul_ps (second, ur), _mm_xor_ps (_mm_mul_ps (swapped, ui), negateEven));
+                const __m128 t = twiddled (_mm_loadu_ps (b), _mm_loadu_ps (re + j), _mm_loadu_ps (im + j));
                 const __m128 first = _mm_loadu_ps (a);
                 _mm_storeu_ps (b, _mm_sub_ps (first, t));
                 _mm_storeu_ps (a, _mm_add_ps (first, t));

@@ -78,41 +78,12 @@ TEST (FftTest, ForwardThenInverseGivesTheInputTimesN)
     EXPECT_LT (worst, 5e-5);
 }
 
-TEST (FftTest, AnImpulseGivesAFlatSpectrumAndASineOneBin)
-{
-    const long n = 2048;
-    std::vector<float> data ((size_t) (2 * n), 0.0f);
-    data[0] = 1.0f;
-    FloatFft::perform (data.data(), n, -1);
-    for (long k = 0; k < n; ++k)
-    {
-        ASSERT_EQ (data[(size_t) (2 * k)], 1.0f);
-        ASSERT_EQ (data[(size_t) (2 * k + 1)], 0.0f);
-    }
-
-    // A cosine on bin 37: forward puts n/2 into bins 37 and n - 37 and nearly nothing elsewhere.
-    for (long t = 0; t < n; ++t)
-    {
-        data[(size_t) (2 * t)] = (float) std::cos (2.0 * M_PI * 37.0 * (double) t / (double) n);
-        data[(size_t) (2 * t + 1)] = 0.0f;
-    }
-    FloatFft::perform (data.data(), n, -1);
-    for (long k = 0; k < n; ++k)
-    {
-        const double magnitude = std::hypot (data[(size_t) (2 * k)], data[(size_t) (2 * k + 1)]);
-        if (k == 37 || k == n - 37)
-            EXPECT_NEAR (magnitude, n / 2.0, 1e-2);
-        else
-            EXPECT_LT (magnitude, 1e-2) << k;
-    }
-}
-
 TEST (FftTest, TabledTransformIsBitIdenticalToTheStepByStepOne)
 {
     // The tables hold the rotated twiddles and the bit-reversal swaps; the result must not move by a bit.
     std::mt19937 random (5);
     std::normal_distribution<float> normal (0.0f, 1.0f);
-    for (const long n : { 4L, 8L, 16L, 256L, 2048L, 8192L })
+    for (const long n : { 2L, 4L, 8L, 16L, 256L, 2048L, 8192L })
     {
         const FloatFft tabled (n);
         for (const long sign : { -1L, 1L })
