@@ -177,7 +177,22 @@ double FdnReverb::tick (double input) noexcept
         auto& ap = allpass[tap];
         const auto& index = readIndex[tap];
         auto& y = tapOut[tap];
-        for (size_t i = 0; i < (size_t) numLines; ++i)
+        size_t i = 0;
+#if defined(__SSE2__)
+        // Two lines per register; only the reads from their rings are separate.
+        for (; i + 1 < (size_t) numLines; i += 2)
+        {
+            const __m128d x = _mm_set_pd (lines[(i + 1) * (size_t) capacity + (size_t) index[i + 1]],
+                                          lines[i * (size_t) capacity + (size_t) index[i]]);
+            const __m128d c = _mm_load_pd (ap.coefficient.data() + i);
+            const __m128d out = _mm_sub_pd (_mm_add_pd (_mm_mul_pd (c, x), _mm_load_pd (ap.lastInput.data() + i)),
+                                            _mm_mul_pd (c, _mm_load_pd (ap.lastOutput.data() + i)));
+            _mm_store_pd (ap.lastInput.data() + i, x);
+            _mm_store_pd (ap.lastOutput.data() + i, out);
+            _mm_store_pd (y.data() + i, out);
+        }
+#endif
+        for (; i < (size_t) numLines; ++i)
         {
             const double x = lines[i * (size_t) capacity + (size_t) index[i]];
             const double out = ap.coefficient[i] * x + ap.lastInput[i] - ap.coefficient[i] * ap.lastOutput[i];
