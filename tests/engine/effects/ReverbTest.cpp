@@ -75,7 +75,7 @@ Stereo dcBlocked (const Stereo& input, double rate)
 }
 
 // The reverb's own contribution at full `reverb`: output minus the 10% of blocked dry signal.
-Stereo wetPart (const Stereo& out, const Stereo& input, double rate)
+Stereo wetOnly (const Stereo& out, const Stereo& input, double rate)
 {
     const auto dry = dcBlocked (input, rate);
     Stereo wet = out;
@@ -198,7 +198,7 @@ TEST (ReverbTest, PreDelayOf40MsAndFiniteTailAtEveryRate)
         ReverbRig rig (rate);
         const size_t length = (size_t) (rate * 1.5);
         const auto input = impulse (length);
-        const auto wet = wetPart (rig.run (input, 1.0f), input, rate);
+        const auto wet = wetOnly (rig.run (input, 1.0f), input, rate);
         const auto preDelay = (size_t) ((float) rate * 40.0 / 1000.0);
 
         size_t firstLeft = length, firstRight = length;
@@ -224,7 +224,7 @@ TEST (ReverbTest, DecayTimeIsSecondsLongAndShorterInTheHighs)
     std::srand (1); // the detunings of a fresh process, whatever ran before in this one
     ReverbRig rig (rate);
     const auto input = impulse ((size_t) (rate * 8.0));
-    const auto wet = wetPart (rig.run (input, 1.0f), input, rate);
+    const auto wet = wetOnly (rig.run (input, 1.0f), input, rate);
 
     struct Band
     {
@@ -298,7 +298,7 @@ TEST (ReverbTest, LowTonesBarelyReachTheReverb)
 
         std::srand (1);
         ReverbRig rig (rate);
-        const auto wet = wetPart (rig.run (input, 1.0f), input, rate);
+        const auto wet = wetOnly (rig.run (input, 1.0f), input, rate);
         wetLevel[b] = rms (wet.left, length / 4, length) + rms (wet.right, length / 4, length);
     }
     const double ratioDb = 20.0 * std::log10 (wetLevel[0] / wetLevel[1]);
@@ -338,7 +338,7 @@ TEST (ReverbTest, PrepareAgainAtAnotherRateReplacesTheNetworks)
         rig.prepare (rate);
         const size_t length = (size_t) (rate * 0.5);
         const auto input = impulse (length);
-        const auto wet = wetPart (rig.run (input, 1.0f), input, rate);
+        const auto wet = wetOnly (rig.run (input, 1.0f), input, rate);
         const auto preDelay = (size_t) ((float) rate * 0.04);
 
         // The old tail and old pre-delay contents are gone: nothing before the new pre-delay.
