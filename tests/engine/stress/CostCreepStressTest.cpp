@@ -39,7 +39,7 @@ TEST (Stress, BlockCostDoesNotCreepOverARun)
     // A job that repeats each second: a chord, held then released, with the continuous parameters
     // moving. Then the same length of silence, in which every tail decays towards the denormal range.
     const int blocksPerSecond = (int) (rate / blockSize);
-    const int seconds = (int) juce::jmax (3.0, stressSeconds (8.0));
+    const int seconds = (int) juce::jmax (3.0, stressSeconds (5.0));
     const int chord[] = { 36, 43, 48, 55, 60, 64, 67, 72 };
     const int continuous[] = { ParameterIndex::tilt, ParameterIndex::drywet, ParameterIndex::flangerit, ParameterIndex::timbre };
 

@@ -19,7 +19,7 @@ TEST (Stress, PrepareReleaseCyclesWithRateChangesKeepOutputFinite)
     juce::MidiBuffer midi;
     midi.ensureSize (4096);
 
-    const int cycles = (int) stressSeconds (40.0);
+    const int cycles = (int) stressSeconds (16.0);
     for (int cycle = 0; cycle < cycles; ++cycle)
     {
         const double rate = sampleRates[random.nextInt (6)];

@@ -95,7 +95,7 @@ StressStats runStorm (const Case& c, double rate, int blockSize, juce::int64 see
 
     juce::MidiBuffer midi;
     midi.ensureSize (65536);
-    const auto total = (juce::int64) (rate * stressSeconds (1.0));
+    const auto total = (juce::int64) (rate * stressSeconds (0.5));
     juce::int64 block = 0;
     for (juce::int64 done = 0; done < total; done += blockSize, ++block)
     {

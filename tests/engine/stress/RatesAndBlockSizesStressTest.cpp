@@ -18,7 +18,7 @@ StressStats runCase (double rate, int blockSize, juce::int64 seed)
 
     juce::MidiBuffer midi;
     midi.ensureSize (8192);
-    const auto total = (juce::int64) (rate * stressSeconds (0.3));
+    const auto total = (juce::int64) (rate * stressSeconds (0.12));
     for (juce::int64 done = 0; done < total;)
     {
         int n = blockSize;
