@@ -335,6 +335,8 @@ void KestruneAudioProcessor::setStateInformation (const void* data, int sizeInBy
         return;
 
     auto newState = juce::ValueTree::fromXml (*xml);
+    if (! newState.isValid())
+        return;
     velkaro::PresetManager::replaceNonFiniteValues (parameters, newState);
     parameters.replaceState (newState);
 
