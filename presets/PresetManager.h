@@ -69,8 +69,14 @@ public:
 
     const CurrentProgram& getCurrentProgram() const { return *current; }
     const Preset* getCurrentPreset() const { return currentPreset; }
+
+    // The edit latch: set once the first edit of a loaded state has been reported. The toolbar's timer
+    // sets it again when the undo history shows edits after a rebaseline.
     bool isModified() const { return modified; }
-    const juce::ValueTree& getSelection() const { return selection; }
+    void setModified (bool shouldBeModified) { modified = shouldBeModified; }
+
+    // A handle on the shared "selection" tree, for the table to listen to.
+    juce::ValueTree getSelection() const { return selection; }
 
     // A state set by the host belongs to no preset: forget the loaded one and take the text from the tree.
     void detachFromPreset (const juce::ValueTree& newState);
