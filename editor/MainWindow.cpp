@@ -110,8 +110,9 @@ MainWindow::MainWindow (KestruneAudioProcessor& p)
 
     addParameterSlider (squeezeit, { 193, barSliderRow - barSliderHeight }, { barSliderWidth, barSliderHeight });
     addParameterSlider (fmit, { 193, barSliderRow }, { barSliderWidth, barSliderHeight });
-    amLabel.setFont (controlFont);
-    fmLabel.setFont (controlFont);
+    // No side border: the narrow labels need their whole 24 pixels for the two letters.
+    amLabel.setBorderSize ({});
+    fmLabel.setBorderSize ({});
     amLabel.setBounds (335, 204, 24, 38);
     fmLabel.setBounds (335, 242, 24, 38);
     addAndMakeVisible (amLabel);
