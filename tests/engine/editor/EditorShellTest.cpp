@@ -122,3 +122,28 @@ TEST_F (EditorFixture, PanelPaintsAtEveryScale)
             EXPECT_NE (image.getPixelAt (p.x, p.y).getARGB(), 0xff0000ffu) << width << " " << p.toString();
     }
 }
+
+TEST_F (EditorFixture, TwoPanelsOpenAtOnceCloseInEitherOrder)
+{
+    KestruneAudioProcessor second;
+    for (const bool firstClosesFirst : { true, false })
+    {
+        openEditor();
+        std::unique_ptr<juce::AudioProcessorEditor> other (second.createEditor());
+        if (firstClosesFirst)
+        {
+            closeEditor();
+            // The other panel's look stays the default while it is open.
+            EXPECT_NE (dynamic_cast<velkaro::DromelleLookAndFeel_V1*> (&juce::LookAndFeel::getDefaultLookAndFeel()), nullptr);
+            other->createComponentSnapshot ({ 0, 0, 32, 32 }, true, 0.5f);
+            other.reset();
+        }
+        else
+        {
+            other.reset();
+            editor->createComponentSnapshot ({ 0, 0, 32, 32 }, true, 0.5f);
+            closeEditor();
+        }
+        EXPECT_EQ (dynamic_cast<velkaro::DromelleLookAndFeel_V1*> (&juce::LookAndFeel::getDefaultLookAndFeel()), nullptr);
+    }
+}
