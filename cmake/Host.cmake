@@ -32,6 +32,10 @@ target_link_libraries(ondrivel_host
   PRIVATE
     juce::juce_audio_utils
     juce::juce_recommended_config_flags)
+# JUCE adds the system image libraries only to its own plug-in and app targets.
+if(TARGET juce::pkgconfig_JUCE_IMG_LINUX_DEPS)
+  target_link_libraries(ondrivel_host PRIVATE juce::pkgconfig_JUCE_IMG_LINUX_DEPS)
+endif()
 
 file(GLOB ONDRIVEL_RENDER_SOURCES CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tools/render/*.cpp)
 add_executable(ondrivel-render ${ONDRIVEL_RENDER_SOURCES})
