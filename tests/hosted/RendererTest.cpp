@@ -172,7 +172,7 @@ TEST_F (RendererTest, RendersTheRequestedLengthAndReportsIt)
 TEST_F (RendererTest, NoteStartsOnTheSampleItsTimeRoundsTo)
 {
     // 0.5 s at 48 kHz is sample 24000; the render is split so that the note falls inside a block.
-    const auto result = run ({ "--out", "note.wav", "--seconds", "1", "--block", "100", "--notes", "60:127:0.5:0.4", "--json" });
+    const auto result = run ({ "--out", "note.wav", "--seconds", "1", "--block", "256", "--notes", "60:127:0.5:0.4", "--json" });
     ASSERT_EQ (result.status, 0) << result.err;
     const auto samples = read (folder.getChildFile ("note.wav"));
     ASSERT_EQ (samples.getNumSamples(), 48000);
