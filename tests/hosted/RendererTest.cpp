@@ -37,11 +37,11 @@ protected:
     }
     void TearDown() override { folder.deleteRecursively(); }
 
-    Result run (const juce::StringArray& args)
+    Result run (const juce::StringArray& args, const juce::String& environment = {})
     {
         const auto outFile = folder.getChildFile ("stdout.txt");
         const auto errFile = folder.getChildFile ("stderr.txt");
-        juce::String command = quoted (ONDRIVEL_RENDER_EXE);
+        juce::String command = environment + " " + quoted (ONDRIVEL_RENDER_EXE);
         for (const auto& arg : args)
             command << " " << quoted (arg);
         command << " >" << quoted (outFile.getFullPathName()) << " 2>" << quoted (errFile.getFullPathName());
@@ -144,6 +144,14 @@ TEST_F (RendererTest, UnwritableOutputExitsWithStatusTwo)
         EXPECT_TRUE (result.err.contains ("cannot write")) << result.err;
     }
     EXPECT_EQ (run ({}).status, 2); // no --out at all
+}
+
+TEST_F (RendererTest, RendersWhenThePluginCannotCreateItsDataFolder)
+{
+    // The plug-in then wants to show a message box; a headless render must neither block nor crash.
+    const auto result = run ({ "--out", "nohome.wav", "--seconds", "0.1", "--notes", "60:100:0:0.05" }, "HOME=/dev/null");
+    EXPECT_EQ (result.status, 0) << result.err;
+    EXPECT_TRUE (folder.getChildFile ("nohome.wav").existsAsFile());
 }
 
 TEST_F (RendererTest, RendersTheRequestedLengthAndReportsIt)
