@@ -160,7 +160,10 @@ void SynthVoice::pitchWheelMoved (int newPitchWheelValue)
 
 void SynthVoice::controllerMoved (int, int) {}
 
-void SynthVoice::renderNextBlock (juce::AudioBuffer<float>& outputBuffer, int startSample, int numSamples)
+// Flattened so the filter steps inline. The work runs in short chunks, one stage after another, so
+// each loop is small enough for the processor to overlap samples; every sample still sees the same
+// arithmetic in the same order.
+__attribute__ ((flatten)) void SynthVoice::renderNextBlock (juce::AudioBuffer<float>& outputBuffer, int startSample, int numSamples)
 {
     if (numSamples < 1)
         return;
@@ -183,25 +186,44 @@ void SynthVoice::renderNextBlock (juce::AudioBuffer<float>& outputBuffer, int st
     float* left = outputBuffer.getWritePointer (0, startSample);
     float* right = outputBuffer.getNumChannels() > 1 ? outputBuffer.getWritePointer (1, startSample) : nullptr;
 
-    for (int i = 0; i < count; ++i)
+    for (int chunkStart = 0; chunkStart < count; chunkStart += chunkSize)
     {
-        if (envelope.state == VoiceEnvelope::idle)
+        const int chunkLength = juce::jmin (chunkSize, count - chunkStart);
+        int produced = 0;
+        bool ended = false;
+        for (; produced < chunkLength; ++produced)
+        {
+            if (envelope.state == VoiceEnvelope::idle)
+            {
+                ended = true;
+                break;
+            }
+            const float vibratoOutput = vibratoLfo.process();
+            const float envelopeOut = envelope.process();
+            const double c = renderTone (envelopeOut, vibratoOutput);
+            scratch[(size_t) produced] = folder.process (envelopeOut * (float) c, timbreAmount);
+        }
+
+        for (int i = 0; i < produced; ++i)
+            scratch[(size_t) i] = highPassA.processSample (scratch[(size_t) i]);
+        for (int i = 0; i < produced; ++i)
+            scratch[(size_t) i] = highPassB.processSample (scratch[(size_t) i]);
+
+        float* l = left + chunkStart;
+        for (int i = 0; i < produced; ++i)
+            l[i] += scratch[(size_t) i] * panGainLeft;
+        if (right != nullptr)
+        {
+            float* r = right + chunkStart;
+            for (int i = 0; i < produced; ++i)
+                r[i] += scratch[(size_t) i] * panGainRight;
+        }
+
+        if (ended)
         {
             if (isVoiceActive())
                 clearCurrentNote();
-            break;
+            return;
         }
-
-        const float vibratoOutput = vibratoLfo.process();
-        const float envelopeOut = envelope.process();
-        const double c = renderTone (envelopeOut, vibratoOutput);
-
-        float s = envelopeOut * (float) c;
-        s = folder.process (s, timbreAmount);
-        const float y = highPassB.processSample (highPassA.processSample (s));
-
-        left[i] += y * panGainLeft;
-        if (right != nullptr)
-            right[i] += y * panGainRight;
     }
 }

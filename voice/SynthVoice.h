@@ -96,6 +96,9 @@ private:
     juce::Random noiseRandom { 1 };
 
     WaveFolder folder;
+    // Holds one chunk of the voice's signal between the stages of the render loop.
+    static constexpr int chunkSize = 64;
+    std::array<float, (size_t) chunkSize> scratch {};
     juce::dsp::IIR::Filter<float> highPassA;
     juce::dsp::IIR::Filter<float> highPassB;
 
