@@ -160,9 +160,10 @@ void SynthVoice::pitchWheelMoved (int newPitchWheelValue)
 
 void SynthVoice::controllerMoved (int, int) {}
 
-// Flattened so the filter steps inline. The work runs in short chunks, one stage after another, so
-// each loop is small enough for the processor to overlap samples; every sample still sees the same
-// arithmetic in the same order.
+// Flattened so the filter steps inline. The work runs in short chunks, one stage after another:
+// each stage's loop is small enough for the processor to overlap samples, and no call sits in the
+// middle of the tone's loop. Every stage still runs its own steps in sample order, and each sample
+// meets the same arithmetic as a plain per-sample loop would give it.
 __attribute__ ((flatten)) void SynthVoice::renderNextBlock (juce::AudioBuffer<float>& outputBuffer, int startSample, int numSamples)
 {
     if (numSamples < 1)
@@ -189,34 +190,62 @@ __attribute__ ((flatten)) void SynthVoice::renderNextBlock (juce::AudioBuffer<fl
     for (int chunkStart = 0; chunkStart < count; chunkStart += chunkSize)
     {
         const int chunkLength = juce::jmin (chunkSize, count - chunkStart);
+
+        // Vibrato source and envelope, up to the sample at which the note has ended. Worked on local
+        // copies so their states stay in registers through the loop.
         int produced = 0;
         bool ended = false;
-        for (; produced < chunkLength; ++produced)
         {
-            if (envelope.state == VoiceEnvelope::idle)
+            auto lfo = vibratoLfo;
+            auto env = envelope;
+            for (; produced < chunkLength; ++produced)
             {
-                ended = true;
-                break;
+                if (env.state == VoiceEnvelope::idle)
+                {
+                    ended = true;
+                    break;
+                }
+                vibratoChunk[(size_t) produced] = lfo.process();
+                envelopeChunk[(size_t) produced] = env.process();
             }
-            const float vibratoOutput = vibratoLfo.process();
-            const float envelopeOut = envelope.process();
-            const double c = renderTone (envelopeOut, vibratoOutput);
-            scratch[(size_t) produced] = folder.process (envelopeOut * (float) c, timbreAmount);
+            vibratoLfo = lfo;
+            envelope = env;
         }
 
         for (int i = 0; i < produced; ++i)
-            scratch[(size_t) i] = highPassA.processSample (scratch[(size_t) i]);
-        for (int i = 0; i < produced; ++i)
-            scratch[(size_t) i] = highPassB.processSample (scratch[(size_t) i]);
+            noiseChunk[(size_t) i] = noiseRandom.nextFloat();
+
+        {
+            auto mod = modulator;
+            auto car = carrier;
+            auto noise = noiseFilter;
+            for (int i = 0; i < produced; ++i)
+            {
+                const float envelopeOut = envelopeChunk[(size_t) i];
+                const double m = modulatorValue (mod);
+                const double c = carrierValue (car, noise, m, envelopeOut, vibratoChunk[(size_t) i], noiseChunk[(size_t) i]);
+                signalChunk[(size_t) i] = folder.process (envelopeOut * (float) c, timbreAmount);
+            }
+            modulator = mod;
+            carrier = car;
+            noiseFilter = noise;
+        }
 
         float* l = left + chunkStart;
-        for (int i = 0; i < produced; ++i)
-            l[i] += scratch[(size_t) i] * panGainLeft;
         if (right != nullptr)
         {
             float* r = right + chunkStart;
             for (int i = 0; i < produced; ++i)
-                r[i] += scratch[(size_t) i] * panGainRight;
+            {
+                const float y = highPassB.processSample (highPassA.processSample (signalChunk[(size_t) i]));
+                l[i] += y * panGainLeft;
+                r[i] += y * panGainRight;
+            }
+        }
+        else
+        {
+            for (int i = 0; i < produced; ++i)
+                l[i] += highPassB.processSample (highPassA.processSample (signalChunk[(size_t) i])) * panGainLeft;
         }
 
         if (ended)

@@ -41,18 +41,22 @@ public:
     int getEnvelopeState() const noexcept { return envelope.state; }
 
 private:
-    // Modulator, phase noise and carrier for one sample; returns the carrier's value.
-    double renderTone (float envelopeOut, float vibratoOutput) noexcept
+    // One step of the modulator, read a fixed 0.9 rad ahead of its own phase. The oscillators and
+    // the noise filter come in as arguments so the render loop can keep them in registers.
+    double modulatorValue (PhaseOscillator& mod) const noexcept
+    {
+        const float fm = (modulatorRatio * noteFrequency) * pitchBendRatio;
+        mod.advance (fm);
+        const double mp = PhaseOscillator::wrap (mod.phase + PhaseOscillator::radiansToCycles * 0.8999999761581421);
+        return PhaseOscillator::shape (mp);
+    }
+
+    // Phase noise and carrier for one sample, from the modulator's value m, the envelope, the
+    // vibrato source and this sample's noise draw r; returns the carrier's value.
+    double carrierValue (PhaseOscillator& car, OnePole& noise, double m, float envelopeOut, float vibratoOutput, float r) const noexcept
     {
         const float f = noteFrequency;
         const float b = pitchBendRatio;
-
-        const float fm = (modulatorRatio * f) * b;
-        modulator.advance (fm);
-        // The modulator is read a fixed 0.9 rad ahead of its own phase.
-        const double mp = PhaseOscillator::wrap (modulator.phase + PhaseOscillator::radiansToCycles * 0.8999999761581421);
-        const double m = PhaseOscillator::shape (mp);
-
         const float vib = vibratoAmount * (vibratoOutput * 3.3f);
 
         // Only the modulator's positive half reaches the carrier.
@@ -61,16 +65,15 @@ private:
         pm = pm > 1.0f ? 1.0f : pm;
         pm = pm < 0.0f ? 0.0f : pm;
 
-        const float r = noiseRandom.nextFloat();
         float n = r * (noiseAmount - vib * noiseAmount);
         n = n * (pm * pm + 1.0f);
         n = (envelopeModAmount * envelopeOut + 1.0f) * n;
-        const float y = noiseFilter.process (n);
+        const float y = noise.process (n);
 
         // Vibrato adds Hz in proportion to the note, unscaled by the bend.
         const float fc = b * f + (f * vib) * 0.1f;
-        carrier.advance (fc);
-        const double cp = PhaseOscillator::wrap ((double) (pm + y) * PhaseOscillator::radiansToCycles + carrier.phase);
+        car.advance (fc);
+        const double cp = PhaseOscillator::wrap ((double) (pm + y) * PhaseOscillator::radiansToCycles + car.phase);
         return PhaseOscillator::shape (cp);
     }
 
@@ -96,9 +99,12 @@ private:
     juce::Random noiseRandom { 1 };
 
     WaveFolder folder;
-    // Holds one chunk of the voice's signal between the stages of the render loop.
+    // One chunk of each stage's output, handed from stage to stage in the render loop.
     static constexpr int chunkSize = 64;
-    std::array<float, (size_t) chunkSize> scratch {};
+    std::array<float, (size_t) chunkSize> vibratoChunk {};
+    std::array<float, (size_t) chunkSize> envelopeChunk {};
+    std::array<float, (size_t) chunkSize> noiseChunk {};
+    std::array<float, (size_t) chunkSize> signalChunk {};
     juce::dsp::IIR::Filter<float> highPassA;
     juce::dsp::IIR::Filter<float> highPassB;
 

@@ -35,8 +35,11 @@ public:
         if (mix > 1.0f)
             return f;
 
-        const float gd = (float) std::sin ((1.0 - (double) mix) * 1.5707963267948966);
-        const float gw = (float) std::sin ((double) mix * 1.5707963267948966);
+        // Once a fade has finished, the two sines are exactly 0 and 1; the folder held on then costs
+        // no sine per sample.
+        const bool settled = juce::exactlyEqual (mix, 1.0f);
+        const float gd = settled ? 0.0f : (float) std::sin ((1.0 - (double) mix) * 1.5707963267948966);
+        const float gw = settled ? 1.0f : (float) std::sin ((double) mix * 1.5707963267948966);
         return gd * s + f * gw;
     }
 
