@@ -10,8 +10,16 @@ public:
     // Oscillators never run faster than 16 kHz worth of steps, so very low rates just play flat.
     void prepare (double sampleRate);
 
-    // Keeps a phase near [-0.5, 0.5) by removing whole cycles.
-    static double wrap (double p) noexcept { return p - (double) (int) (p + 0.5); }
+    // Keeps a phase near [-0.5, 0.5) by removing whole cycles: p minus the truncation of p + 0.5.
+    // In the usual range that truncation is 0 or 1, found by a compare instead of two slow
+    // conversions that would sit in the phase's loop-carried chain; the result is the same.
+    static double wrap (double p) noexcept
+    {
+        const double x = p + 0.5;
+        if (x >= 0.0 && x < 2.0)
+            return p - (x >= 1.0 ? 1.0 : 0.0);
+        return p - (double) (int) x;
+    }
 
     // Odd polynomial close to sin (2 pi p) for a wrapped phase; cheaper than std::sin per sample.
     static double shape (double p) noexcept
