@@ -34,9 +34,9 @@ public:
     void renderNextBlock (juce::AudioBuffer<float>& outputBuffer, int startSample, int numSamples) override;
     using juce::SynthesiserVoice::renderNextBlock;
 
+    // The note's placement and envelope as they stand, for whoever drives the voice.
     float getPanGainLeft() const noexcept { return panGainLeft; }
     float getPanGainRight() const noexcept { return panGainRight; }
-    float getNoteFrequency() const noexcept { return noteFrequency; }
     float getEnvelopeLevel() const noexcept { return envelope.level; }
     int getEnvelopeState() const noexcept { return envelope.state; }
 
