@@ -89,14 +89,3 @@ void renderChordFolded (benchmark::State& state) { run (state, 1.0f, false); }
 BENCHMARK (renderChord);
 BENCHMARK (renderChordWithParameters);
 BENCHMARK (renderChordFolded);
-
-// Other benchmark files of this program may bring their own main; a weak one here yields to them.
-__attribute__ ((weak)) int main (int argc, char** argv)
-{
-    benchmark::Initialize (&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments (argc, argv))
-        return 1;
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
-}
