@@ -13,7 +13,7 @@ struct FreshHome
     {
         if (const char* old = std::getenv ("HOME"))
             previous = old;
-        folder = juce::File::getSpecialLocation (juce::File::tempDirectory).getNonexistentChildFile ("ondrivel-user", {}, false);
+        folder = juce::File::getSpecialLocation (juce::File::tempDirectory).getNonexistentChildFile ("ondrivel-user-" + juce::String (juce::Random::getSystemRandom().nextInt64()), {}, false);
         folder.createDirectory();
         setenv ("HOME", folder.getFullPathName().toRawUTF8(), 1);
     }

@@ -103,6 +103,7 @@ TEST (HostState, BadBlocksLeaveTheParametersButSilenceTheDelay)
         notXml[i] = 'z';
 
     struct Case { const char* what; juce::MemoryBlock block; };
+    bool echoesHeard = false;
     const Case cases[] = {
         { "8 bytes", juce::MemoryBlock (good.getData(), 8) },
         { "9 bytes, wrong magic", juce::MemoryBlock ("ABCD\x01\0\0\0x", 9) },
@@ -113,17 +114,23 @@ TEST (HostState, BadBlocksLeaveTheParametersButSilenceTheDelay)
     };
     for (const auto& c : cases)
     {
+        // Only the delay sounds: a note is heard when its recorded block plays, up to 0.4 s later.
+        // A state load while the note is still being recorded must leave nothing to play.
         render (p, 1, note);
+        render (p, 8);
         const double echoes = render (p, 150);
         render (p, 1, note);
         render (p, 8);
         p.setStateInformation (c.block.getData(), (int) c.block.getSize());
         EXPECT_EQ (valuesOf (p), before) << c.what;
         const double afterBadBlock = render (p, 150);
-        EXPECT_LT (afterBadBlock, echoes * 1e-3 + 1e-9) << c.what << ": the delay still sounds";
+        EXPECT_LT (afterBadBlock, std::max (echoes * 1e-3, 1e-12)) << c.what << ": the delay still sounds";
+        echoesHeard = echoesHeard || echoes > 1e-3;
     }
     p.setStateInformation (nullptr, 100);
     EXPECT_EQ (valuesOf (p), before);
+    if (! echoesHeard)
+        GTEST_SKIP() << "the delay makes no echoes yet, so only the parameters were checked";
 }
 
 TEST (HostState, ARecallIsNeverTakenForALibraryPreset)

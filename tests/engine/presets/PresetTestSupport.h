@@ -17,7 +17,7 @@ struct ScopedTempHome
     {
         if (const char* old = std::getenv ("HOME"))
             previous = old;
-        folder = juce::File::getSpecialLocation (juce::File::tempDirectory).getNonexistentChildFile ("ondrivel-home", {}, false);
+        folder = juce::File::getSpecialLocation (juce::File::tempDirectory).getNonexistentChildFile ("ondrivel-home-" + juce::String (juce::Random::getSystemRandom().nextInt64()), {}, false);
         folder.createDirectory();
         setenv ("HOME", folder.getFullPathName().toRawUTF8(), 1);
     }
