@@ -113,11 +113,8 @@ void KestruneAudioProcessor::prepareToPlay (double sampleRate, int samplesPerBlo
 
     for (int i = 0; i < numVoices; ++i)
     {
-        juce::SynthesiserVoice* voice = nullptr;
-        {
-            const juce::ScopedLock lock (synth.getLock());
-            voice = synth.getVoice (i);
-        }
+        // getVoice holds the synthesiser's lock only for the lookup.
+        auto* voice = synth.getVoice (i);
         if (auto* synthVoice = dynamic_cast<SynthVoice*> (voice))
             synthVoice->prepareVoice (sampleRate);
     }
@@ -229,11 +226,8 @@ void KestruneAudioProcessor::processBlock (juce::AudioBuffer<float>& buffer, juc
 
     for (int i = 0; i < numVoices; ++i)
     {
-        juce::SynthesiserVoice* voice = nullptr;
-        {
-            const juce::ScopedLock lock (synth.getLock());
-            voice = synth.getVoice (i);
-        }
+        // getVoice holds the synthesiser's lock only for the lookup.
+        auto* voice = synth.getVoice (i);
         if (auto* synthVoice = dynamic_cast<SynthVoice*> (voice))
             synthVoice->pushParameters (parameterValues);
     }
