@@ -3,6 +3,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 
 #include "effects/TiltOnePole.h"
 
@@ -19,7 +20,7 @@ public:
     // channel 0 is left, anything else right.
     float processSample (int channel, float x) noexcept
     {
-        const auto c = (size_t) (channel != 0);
+        const auto c = (std::size_t) (channel != 0);
         const float v = (float) first[c].process ((double) x);
         // The second (low-corner) filter is subtracted with one sample of delay.
         const double old = second[c].getState();

@@ -34,7 +34,9 @@ TEST (BlockDelay, ImpulseReturnsOneBlockLaterForwardsAndMirroredInReverse)
         EXPECT_EQ (indexOfPeak (y), c.expectedAt);
         // Mid-block the window and the envelope are 1, so the peak is 1.1 times the tilt's first tap.
         if (c.impulseAt * 2 == (int) (c.timeMs * 48.0f))
+        {
             EXPECT_NEAR (std::abs (y[(size_t) c.expectedAt]), 1.1 * (1.0 - std::exp (-2.0 * M_PI * 10000.0 / 48000.0)), 1e-3);
+        }
     }
 }
 

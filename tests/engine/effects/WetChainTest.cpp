@@ -6,7 +6,7 @@
 #include <cmath>
 #include <optional>
 
-#include "support/TestProcessor.h"
+#include "engine/support/TestProcessor.h"
 
 namespace
 {
