@@ -206,7 +206,8 @@ TEST (WetChain, AbsurdHostConditionsKeepTheOutputFinite)
                  { "squeezeit", 1000.0f }, { "fdbk", 0.98f }, { "rate", 10.0f }, { "flangerit", -1.0f }, { "tilt", 1.0f },
                  { "drywet", 1.0f } })
             setParameter (p, id, value);
-        const int blocks = juce::jmax (4, (int) (c.sampleRate / 4 / c.blockSize));
+        // Long enough to complete and replay the longest block the planes hold.
+        const int blocks = (2 * BlockDelay::maxBlockLength + 4096) / c.blockSize + 1;
         const auto out = renderNote (p, blocks, c.blockSize);
         for (size_t i = 0; i < out.first.size(); ++i)
             ASSERT_TRUE (std::isfinite (out.first[i]) && std::isfinite (out.second[i])) << i;
