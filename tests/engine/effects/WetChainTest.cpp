@@ -33,15 +33,16 @@ void setParameter (KestruneAudioProcessor& p, const char* id, float value)
     parameter->setValueNotifyingHost (parameter->convertTo0to1 (value));
 }
 
-// Plays one note from the first block on and returns the left and right output, end to end.
-std::pair<std::vector<float>, std::vector<float>> renderNote (KestruneAudioProcessor& p, int blocks, int blockSize)
+// Plays one note from the first block on (unless told not to) and returns the left and right output.
+std::pair<std::vector<float>, std::vector<float>> renderNote (KestruneAudioProcessor& p, int blocks, int blockSize,
+                                                              bool startNote = true)
 {
     std::vector<float> left, right;
     juce::AudioBuffer<float> buffer (2, blockSize);
     for (int b = 0; b < blocks; ++b)
     {
         juce::MidiBuffer midi;
-        if (b == 0)
+        if (b == 0 && startNote)
             midi.addEvent (juce::MidiMessage::noteOn (1, 57, (juce::uint8) 100), 0);
         buffer.clear();
         p.processBlock (buffer, midi);
@@ -122,6 +123,37 @@ TEST (WetChain, StateLoadRebuildsTheTiltOnTheNextBlock)
     EXPECT_FLOAT_EQ (p.tilt.getLastTilt(), 0.5f);
 }
 
+TEST (WetChain, ReleaseResourcesSilencesTheDelayUntilItsNextBlock)
+{
+    if (! voicesSound())
+        GTEST_SKIP() << "voices render silence on this build";
+
+    TestProcessor t (48000.0, 256);
+    auto& p = *t.processor;
+    plainWetChain (p);
+    setParameter (p, "bp2", 1.0f);
+    setParameter (p, "revmix", 1.0f); // the wet path carries the repeats only
+    setParameter (p, "drywet", 1.0f);
+    setParameter (p, "fdbk", 0.0f);
+    setParameter (p, "rev", 0.0f);
+    setParameter (p, "time", 100.0f); // 4800 samples
+
+    const auto before = renderNote (p, 40, 256).first; // two blocks and 640 samples of a third
+    const auto lastBefore = std::vector<float> (before.end() - 256, before.end());
+    ASSERT_GT (energy (lastBefore), 0.0);
+
+    p.releaseResources();
+    EXPECT_EQ (p.blockDelay.getBlockLength(), 4800);
+    // The block in progress keeps recording; its frozen predecessor is gone.
+    const auto after = renderNote (p, 20, 256, false).first;
+    // Past the tails of the tilt and DC filters, up to the end of that block at 14400.
+    const auto gap = std::vector<float> (after.begin() + 2048, after.begin() + (14400 - 10240));
+    const auto next = std::vector<float> (after.begin() + (14400 - 10240) + 256, after.end());
+    const double powerBefore = energy (lastBefore) / 256.0;
+    EXPECT_LT (energy (gap) / (double) gap.size(), 1e-4 * powerBefore);
+    EXPECT_GT (energy (next) / (double) next.size(), 0.1 * powerBefore);
+}
+
 TEST (WetChain, FlangerBeforeOrAfterTheDelaySoundsDifferent)
 {
     if (! voicesSound())
@@ -191,12 +223,14 @@ TEST (WetChain, AbsurdHostConditionsKeepTheOutputFinite)
     if (! voicesSound())
         GTEST_SKIP() << "voices render silence on this build";
 
-    struct Case { double sampleRate; int blockSize; double bpm; };
-    const Case cases[] = { { 22050.0, 1, 999.0 }, { 192000.0, 8192, 1.0 }, { 44100.0, 7, 1.0 }, { 96000.0, 4096, 999.0 } };
+    // The last case is a host that passes longer blocks than it prepared for.
+    struct Case { double sampleRate; int preparedBlock; int blockSize; double bpm; };
+    const Case cases[] = { { 22050.0, 1, 1, 999.0 }, { 192000.0, 8192, 8192, 1.0 }, { 44100.0, 7, 7, 1.0 },
+                           { 96000.0, 4096, 4096, 999.0 }, { 48000.0, 64, 1000, 120.0 } };
     for (const auto& c : cases)
     {
         SCOPED_TRACE (testing::Message() << c.sampleRate << " Hz, block " << c.blockSize << ", " << c.bpm << " BPM");
-        TestProcessor t (c.sampleRate, c.blockSize);
+        TestProcessor t (c.sampleRate, c.preparedBlock);
         auto& p = *t.processor;
         TempoPlayHead playHead;
         playHead.bpm = c.bpm;
