@@ -123,6 +123,46 @@ TEST (WetChain, StateLoadRebuildsTheTiltOnTheNextBlock)
     EXPECT_FLOAT_EQ (p.tilt.getLastTilt(), 0.5f);
 }
 
+TEST (WetChain, EveryWetChainControlChangesTheSound)
+{
+    if (! voicesSound())
+        GTEST_SKIP() << "voices render silence on this build";
+
+    const std::pair<const char*, float> base[] = {
+        { "bp1", 0.0f }, { "bp2", 1.0f }, { "bp3", 1.0f }, { "pre", 1.0f }, { "time", 100.0f }, { "sync", 0.0f },
+        { "fmit", 0.0f }, { "squeezeit", 0.0f }, { "fdbk", 0.5f }, { "envms", 5.0f }, { "revmix", 0.8f }, { "rev", 1.0f },
+        { "rate", 1.0f }, { "flangerit", 0.5f }, { "tilt", 0.0f }, { "drywet", 0.8f }, { "reverb", 0.0f },
+    };
+    auto render = [&] (const char* changedId, float changedValue)
+    {
+        TestProcessor t;
+        for (const auto& [id, value] : base)
+            setParameter (*t.processor, id, value);
+        if (changedId != nullptr)
+            setParameter (*t.processor, changedId, changedValue);
+        return renderNote (*t.processor, 60, 256).first; // a little over three delay blocks
+    };
+    const auto reference = render (nullptr, 0.0f);
+    ASSERT_GT (energy (reference), 0.0);
+
+    const std::pair<const char*, float> changes[] = {
+        { "time", 60.0f }, { "sync", 1.0f }, { "fmit", 300.0f }, { "squeezeit", 500.0f }, { "squeezeit", -500.0f },
+        { "fdbk", 0.95f }, { "envms", 120.0f }, { "revmix", 0.2f }, { "rev", 0.0f }, { "bp2", 0.0f }, { "rate", 8.0f },
+        { "flangerit", -0.5f }, { "bp3", 0.0f }, { "pre", 0.0f }, { "tilt", -1.0f }, { "tilt", 0.6f }, { "drywet", 0.3f },
+    };
+    for (const auto& [id, value] : changes)
+    {
+        const auto changed = render (id, value);
+        double difference = 0.0;
+        for (size_t i = 0; i < reference.size(); ++i)
+        {
+            ASSERT_TRUE (std::isfinite (changed[i]));
+            difference += std::pow ((double) changed[i] - reference[i], 2.0);
+        }
+        EXPECT_GT (difference, 1e-4 * energy (reference)) << id << " = " << value;
+    }
+}
+
 TEST (WetChain, ReleaseResourcesSilencesTheDelayUntilItsNextBlock)
 {
     if (! voicesSound())
