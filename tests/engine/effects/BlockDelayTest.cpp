@@ -102,27 +102,6 @@ TEST (BlockDelay, SyncedLengthIsAFractionOfABarAtTheHostTempo)
     }
 }
 
-TEST (BlockDelay, ChangedTempoRestartsTheDelayAtTheNewLength)
-{
-    DelayRig rig;
-    auto s = DelayRig::neutral();
-    s.sync = 1.0f;
-    s.time = 40.0f; // "1/16"
-    s.hostBpm = 120.0; // 6000 samples
-    std::vector<float> x (20000, 0.0f);
-    x[100] = 1.0f;
-    auto first = std::vector<float> (x.begin(), x.begin() + 6000);
-    rig.runMono (first, s, 512);
-
-    // At 150 BPM the block is 4800 samples; the recorded impulse is dropped with the old length.
-    s.hostBpm = 150.0;
-    std::vector<float> y (20000, 0.0f);
-    y[200] = 1.0f;
-    y = rig.runMono (y, s, 512);
-    EXPECT_EQ (rig.delay->getBlockLength(), 4800);
-    EXPECT_EQ (indexOfPeak (y), 4800 + 200 + 1);
-}
-
 TEST (BlockDelay, SwitchedOffStillRecordsSoSwitchingOnPlaysAtOnce)
 {
     DelayRig rig;

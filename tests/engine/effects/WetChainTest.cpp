@@ -105,24 +105,6 @@ TEST (WetChain, SyncedDelayFollowsTheHostTempo)
     p.setPlayHead (nullptr);
 }
 
-TEST (WetChain, StateLoadRebuildsTheTiltOnTheNextBlock)
-{
-    TestProcessor t;
-    auto& p = *t.processor;
-    setParameter (p, "tilt", 0.5f);
-    juce::AudioBuffer<float> buffer (2, 64);
-    juce::MidiBuffer midi;
-    p.processBlock (buffer, midi);
-    EXPECT_FLOAT_EQ (p.tilt.getLastTilt(), 0.5f);
-
-    juce::MemoryBlock state;
-    p.getStateInformation (state);
-    p.setStateInformation (state.getData(), (int) state.getSize());
-    EXPECT_EQ (p.tilt.getLastTilt(), -2.0f);
-    p.processBlock (buffer, midi);
-    EXPECT_FLOAT_EQ (p.tilt.getLastTilt(), 0.5f);
-}
-
 TEST (WetChain, EveryWetChainControlChangesTheSound)
 {
     if (! voicesSound())
