@@ -106,14 +106,3 @@ BENCHMARK (chordThroughDelay);
 BENCHMARK (chordThroughDelayAndFlanger);
 BENCHMARK (chordThroughModulatedDelayAndFlanger);
 BENCHMARK (blockDelayAlone)->Arg (0)->Arg (1);
-
-// Other benchmark files of this program may bring their own main; a weak one here yields to them.
-__attribute__ ((weak)) int main (int argc, char** argv)
-{
-    benchmark::Initialize (&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments (argc, argv))
-        return 1;
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
-}
