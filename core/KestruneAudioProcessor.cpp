@@ -110,7 +110,8 @@ void KestruneAudioProcessor::prepareToPlay (double sampleRate, int samplesPerBlo
 
     octaver.prepare (sampleRate, samplesPerBlock);
 
-    flanger.prepare ({ sampleRate, (juce::uint32) juce::jmax (1, samplesPerBlock), 2 });
+    flangerMaxBlock = juce::jmax (1, samplesPerBlock);
+    flanger.prepare ({ sampleRate, (juce::uint32) flangerMaxBlock, 2 });
     flanger.setCentreDelay (2.23f);
     flanger.setDepth (0.11f);
 
@@ -197,10 +198,17 @@ void KestruneAudioProcessor::runFlanger (juce::AudioBuffer<float>& wet, int numS
     const float x = getParameterValue (ParameterIndex::flangerit);
     const float magnitude = std::abs (x);
     flanger.setRate (getParameterValue (ParameterIndex::rate));
-    flanger.setFeedback ((x > 0.0f ? -0.62f : 0.62f) * (magnitude * 0.2f + 1.0f));
+    flanger.setFeedback ((float) ((x > 0.0f ? -0.62 : 0.62) * (magnitude * 0.2 + 1.0)));
     flanger.setMix (magnitude);
-    auto block = juce::dsp::AudioBlock<float> (wet).getSubBlock (0, (size_t) numSamples);
-    flanger.process (juce::dsp::ProcessContextReplacing<float> (block));
+
+    // The chorus holds scratch space for the prepared block size only, so a longer host block runs in
+    // pieces; its state carries across them exactly as across blocks.
+    auto block = juce::dsp::AudioBlock<float> (wet).getSubsetChannelBlock (0, (size_t) juce::jmin (2, wet.getNumChannels()));
+    for (int start = 0; start < numSamples; start += flangerMaxBlock)
+    {
+        auto piece = block.getSubBlock ((size_t) start, (size_t) juce::jmin (flangerMaxBlock, numSamples - start));
+        flanger.process (juce::dsp::ProcessContextReplacing<float> (piece));
+    }
 }
 
 void KestruneAudioProcessor::processBlock (juce::AudioBuffer<float>& buffer, juce::MidiBuffer& midi)
