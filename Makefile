@@ -5,6 +5,8 @@ JOBS ?= $(shell nproc)
 VST3_DIR ?= $(HOME)/.vst3
 BUNDLE = $(BUILD)/ondrivel_artefacts/Release/VST3/ondrivel.vst3
 CMAKE_FLAGS ?=
+# Lets ccache reuse objects between clones of the tree.
+export CCACHE_BASEDIR := $(CURDIR)
 
 .PHONY: all setup configure build install demo test bench clean
 
