@@ -7,7 +7,7 @@
 namespace velkaro
 {
 FilterTreeItem::FilterTreeItem (const juce::String& itemValue)
-    : value (itemValue), text (itemValue.isEmpty() ? juce::String ("«") + " None " + "»" : itemValue)
+    : value (itemValue), text (itemValue.isEmpty() ? juce::String::fromUTF8 ("«") + " None " + juce::String::fromUTF8 ("»") : itemValue)
 {
 }
 

@@ -36,8 +36,8 @@ public:
     static constexpr int timerMs = 60;
 
     juce::TextButton nameButton;
-    juce::TextButton nextButton { "»" };
-    juce::TextButton previousButton { "«" };
+    juce::TextButton nextButton { juce::String::fromUTF8 ("»") };
+    juce::TextButton previousButton { juce::String::fromUTF8 ("«") };
     juce::TextButton saveButton { "save" };
     ClickUndo undoArea { {}, ClickUndo::Shape::undo };
     ClickUndo redoArea { {}, ClickUndo::Shape::redo };

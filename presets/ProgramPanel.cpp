@@ -87,7 +87,8 @@ void ProgramPanel::textPropertyComponentChanged (juce::TextPropertyComponent* pr
     }
     else
     {
-        canUpdate = true;
+        // A program without a file has nothing to update, whatever its name.
+        canUpdate = hasFile;
         canSaveNew = true;
         nameTaken = false;
 

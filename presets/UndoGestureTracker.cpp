@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
-// The parameter attachments bracket every change from the panel with a gesture, and the parameter
-// tree only hears of a change at its next flush; so a gesture first flushes what the previous one left
-// pending, then opens the new transaction that its own changes will join.
+// The framework's attachments report drags, wheel moves, text entry and clicks as parameter gestures;
+// arrow keys on a slider are the one edit without a gesture, so those are watched as keys. The tree only
+// hears of a change at its next flush, so a gesture first flushes what the previous one left pending.
 #include "presets/UndoGestureTracker.h"
 
 namespace velkaro
@@ -15,19 +15,46 @@ UndoGestureTracker::UndoGestureTracker (juce::AudioProcessorValueTreeState& stat
 
 UndoGestureTracker::~UndoGestureTracker()
 {
+    for (auto& component : watched)
+        if (component != nullptr)
+            component->removeKeyListener (this);
+
     for (auto* parameter : state.processor.getParameters())
         parameter->removeListener (this);
 }
 
-void UndoGestureTracker::parameterGestureChanged (int, bool gestureIsStarting)
+void UndoGestureTracker::watchKeysOf (juce::Component& root)
 {
-    // Gestures that a host or another thread might start belong to nobody's undo history.
-    if (! gestureIsStarting || ! juce::MessageManager::existsAndIsCurrentThread())
-        return;
+    for (auto* child : root.getChildren())
+    {
+        if (dynamic_cast<juce::Slider*> (child) != nullptr)
+        {
+            child->addKeyListener (this);
+            watched.emplace_back (child);
+        }
+        watchKeysOf (*child);
+    }
+}
+
+bool UndoGestureTracker::keyPressed (const juce::KeyPress&, juce::Component*)
+{
+    beginGesture();
+    return false;
+}
+
+void UndoGestureTracker::beginGesture()
+{
     if (undoManager.isPerformingUndoRedo())
         return;
 
     state.copyState(); // flushes the parameters into the tree; the copy itself is not needed
     undoManager.beginNewTransaction();
+}
+
+void UndoGestureTracker::parameterGestureChanged (int, bool gestureIsStarting)
+{
+    // Gestures that a host or another thread might start belong to nobody's undo history.
+    if (gestureIsStarting && juce::MessageManager::existsAndIsCurrentThread())
+        beginGesture();
 }
 } // namespace velkaro
