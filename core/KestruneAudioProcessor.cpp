@@ -66,6 +66,10 @@ KestruneAudioProcessor::KestruneAudioProcessor()
 
     setPlayConfigDetails (0, 2, 44100.0, 512);
 
+    if (! parameters.state.isValid())
+        parameters.state = juce::ValueTree ("ondrivel");
+    presetManager.readyPresetFolder();
+
     dataFolder = juce::File::getSpecialLocation (juce::File::userApplicationDataDirectory).getFullPathName()
                  + "/" + "Velkaro Data" + "/" + "ondrivel";
     dataFolderFile = juce::File (dataFolder);
@@ -84,7 +88,7 @@ KestruneAudioProcessor::KestruneAudioProcessor()
     for (int i = 0; i < numVoices; ++i)
         synth.addVoice (new SynthVoice());
 
-    presetManager.startUp();
+    presetManager.scanPresets();
 }
 
 KestruneAudioProcessor::~KestruneAudioProcessor() = default;
@@ -326,12 +330,20 @@ void KestruneAudioProcessor::setStateInformation (const void* data, int sizeInBy
     tilt.invalidate();
     resetBlockDelay();
 
-    const auto xml = getXmlFromBinary (data, sizeInBytes);
+    const auto xml = data != nullptr ? getXmlFromBinary (data, sizeInBytes) : nullptr;
     if (xml == nullptr)
         return;
 
-    parameters.replaceState (juce::ValueTree::fromXml (*xml));
-    presetManager.stateWasReplaced();
+    auto newState = juce::ValueTree::fromXml (*xml);
+    if (! newState.isValid())
+        return;
+    velkaro::PresetManager::replaceNonFiniteValues (parameters, newState);
+    parameters.replaceState (newState);
+
+    // A project recall is never taken for a library preset, even where it started as one.
+    presetManager.clearSelection();
+    selection.removeProperty ("name", nullptr);
+    presetManager.detachFromPreset (parameters.state);
 }
 
 juce::AudioProcessor* JUCE_CALLTYPE createPluginFilter()

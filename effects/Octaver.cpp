@@ -1,5 +1,207 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
+// Octaver block loop and frame: analysis, bin shift, synthesis and overlap-add.
 #include "effects/Octaver.h"
 
-void Octaver::prepare (double, int) {}
-void Octaver::process (juce::AudioBuffer<float>&, int, float, float) {}
+#include <algorithm>
+#include <cmath>
+
+
+namespace
+{
+constexpr double pi = 3.14159265358979323846;
+constexpr long windowLength = 2048;
+constexpr int unpreparedBlockSize = 512;
+
+// The Hann window 0.5 - 0.5 cos(2 pi k / 2048) in double. Tabled once: the table holds exactly what
+// the formula gives at each use (same expression, same libm), so frames cost no cosines.
+struct HannTable
+{
+    HannTable()
+    {
+        for (long k = 0; k < windowLength; ++k)
+            values[(size_t) k] = 0.5 - 0.5 * std::cos (2.0 * pi * (double) k / (double) windowLength);
+    }
+    std::array<double, windowLength> values {};
+};
+
+const HannTable& hannTable()
+{
+    static const HannTable table;
+    return table;
+}
+} // namespace
+
+Octaver::Octaver()
+{
+    hannTable();
+    mono.setSize (1, unpreparedBlockSize);
+    output.setSize (1, unpreparedBlockSize);
+    mono.clear();
+    output.clear();
+}
+
+double Octaver::windowAt (long k) noexcept
+{
+    return hannTable().values[(size_t) k];
+}
+
+void Octaver::fft (float* workspace, long size, long sign) const noexcept
+{
+    if (size == transformer.getSize())
+        transformer.transform (workspace, sign);
+    else
+        FloatFft::perform (workspace, size, sign);
+}
+
+void Octaver::prepare (double sampleRate, int samplesPerBlock)
+{
+    const int blockSize = std::max (1, samplesPerBlock);
+    mono.setSize (1, blockSize, false, true, false);
+    output.setSize (1, blockSize, false, true, false);
+
+    frameSize = 2048;
+    halfFrame = 1024;
+    oversampling = 8;
+    hop = 256;
+    latency = 1792;
+    binFrequency = (double) (float) sampleRate * (1.0 / 2048.0);
+    expectedPhaseStep = pi / 4.0;
+
+    inFifo.fill (0.0f);
+    outFifo.fill (0.0f);
+    fftWorkspace.fill (0.0f);
+    lastPhase.fill (0.0f);
+    sumPhase.fill (0.0f);
+    outputAccumulator.fill (0.0f);
+    anaFreq.fill (0.0f);
+    anaMagn.fill (0.0f);
+}
+
+void Octaver::process (juce::AudioBuffer<float>& wet, int numSamples, float mix, float newRatio) noexcept
+{
+    if (wet.getNumChannels() < 2)
+        return;
+    ratio = newRatio;
+    numSamples = std::min (numSamples, wet.getNumSamples());
+
+    // A block longer than prepared runs in pieces; every step is per sample, so the result is the same.
+    const int chunk = std::min (mono.getNumSamples(), output.getNumSamples());
+    for (int start = 0; start < numSamples; start += chunk)
+        processChunk (wet, start, std::min (chunk, numSamples - start), mix);
+}
+
+void Octaver::processChunk (juce::AudioBuffer<float>& wet, int start, int numSamples, float g) noexcept
+{
+    float* left = wet.getWritePointer (0, start);
+    float* right = wet.getWritePointer (1, start);
+    float* m = mono.getWritePointer (0);
+    float* out = output.getWritePointer (0);
+
+    for (int i = 0; i < numSamples; ++i)
+    {
+        float x = (left[i] + right[i]) * 0.5f;
+        x = (std::abs (x + 1.0f) - std::abs (x - 1.0f)) * 0.5f;
+        m[i] = x;
+    }
+
+    std::fill (out, out + numSamples, 0.0f);
+    if (rover == 0)
+        rover = latency;
+
+    for (int i = 0; i < numSamples; ++i)
+    {
+        inFifo[(size_t) rover] = m[i];
+        out[i] = outFifo[(size_t) (rover - latency)];
+        ++rover;
+        if (rover >= frameSize)
+        {
+            rover = latency;
+            processFrame();
+        }
+    }
+
+    const float keep = 1.0f - g;
+    for (int i = 0; i < numSamples; ++i)
+    {
+        left[i] *= keep;
+        right[i] *= keep;
+    }
+
+    // The upper octave comes out quieter than the lower, hence its extra gain.
+    const float c = ratio > 1.0f ? g * 1.2f : g * 1.0f;
+    for (int i = 0; i < numSamples; ++i)
+    {
+        left[i] += c * out[i];
+        right[i] += c * out[i];
+    }
+}
+
+void Octaver::processFrame() noexcept
+{
+    const auto& window = hannTable().values;
+    float* ws = fftWorkspace.data();
+
+    for (long k = 0; k < frameSize; ++k)
+    {
+        ws[2 * k] = (float) (inFifo[(size_t) k] * window[(size_t) k]);
+        ws[2 * k + 1] = 0.0f;
+    }
+
+    fft (ws, frameSize, -1);
+
+    for (long k = 0; k <= halfFrame; ++k)
+    {
+        const double re = ws[2 * k];
+        const double im = ws[2 * k + 1];
+        const double magnitude = 2.0 * std::sqrt (re * re + im * im);
+        const double phase = std::atan2 (im, re);
+
+        double d = phase - lastPhase[(size_t) k] - (double) k * expectedPhaseStep;
+        lastPhase[(size_t) k] = (float) phase;
+
+        // Wrap the phase deviation into [-pi, pi]: round d / pi to an even multiple.
+        long q = (long) (d / pi);
+        if (q >= 0)
+            q += q & 1;
+        else
+            q -= q & 1;
+        d = d - pi * (double) q;
+
+        anaFreq[(size_t) k] = (float) (binFrequency * (d * (double) oversampling / (2.0 * pi)) + binFrequency * (double) k);
+        anaMagn[(size_t) k] = (float) magnitude;
+    }
+
+    std::fill (synMagn.begin(), synMagn.begin() + frameSize, 0.0f);
+    std::fill (synFreq.begin(), synFreq.begin() + frameSize, 0.0f);
+    for (long k = 0; k <= halfFrame; ++k)
+    {
+        const long index = (long) (ratio * (float) k);
+        if (index >= 0 && index <= halfFrame)
+        {
+            synMagn[(size_t) index] += anaMagn[(size_t) k];
+            synFreq[(size_t) index] = anaFreq[(size_t) k] * ratio;
+        }
+    }
+
+    for (long k = 0; k <= halfFrame; ++k)
+    {
+        double d = ((synFreq[(size_t) k] - binFrequency * (double) k) / binFrequency) * 2.0 * pi / (double) oversampling
+                   + expectedPhaseStep * (double) k;
+        sumPhase[(size_t) k] = (float) (d + sumPhase[(size_t) k]);
+        const double phase = sumPhase[(size_t) k];
+        ws[2 * k] = (float) (synMagn[(size_t) k] * std::cos (phase));
+        ws[2 * k + 1] = (float) (synMagn[(size_t) k] * std::sin (phase));
+    }
+
+    std::fill (ws + 2 * (halfFrame + 1), ws + 2 * frameSize, 0.0f);
+
+    fft (ws, frameSize, 1);
+
+    const double norm = (double) (halfFrame * oversampling);
+    for (long k = 0; k < frameSize; ++k)
+        outputAccumulator[(size_t) k] += (float) (2.0 * window[(size_t) k] * ws[2 * k] / norm);
+
+    std::copy (outputAccumulator.begin(), outputAccumulator.begin() + hop, outFifo.begin());
+    std::copy (outputAccumulator.begin() + hop, outputAccumulator.begin() + hop + frameSize, outputAccumulator.begin());
+    std::copy (inFifo.begin() + hop, inFifo.begin() + frameSize, inFifo.begin());
+}

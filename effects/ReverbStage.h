@@ -1,13 +1,43 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
-// Last stage: DC blocker, 120 Hz high-pass, pre-delay and two room-mode networks. (Placeholder.)
+// Last stage: second DC blocker, 120 Hz high-pass and 40 ms pre-delay into two room-mode networks,
+// mixed into the main signal by `reverb`.
 #pragma once
 
-#include "core/DcBlocker.h"
+#include <memory>
+
 #include <juce_audio_basics/juce_audio_basics.h>
+#include <juce_dsp/juce_dsp.h>
+
+#include "core/DcBlocker.h"
+#include "effects/FdnReverb.h"
 
 class ReverbStage
 {
 public:
+    // Builds fresh networks for the rate (drawing new detunings) and the high-pass; allocates.
     void prepare (double sampleRate);
-    void process (juce::AudioBuffer<float>& main, int numSamples, float reverb, DcBlocker& left, DcBlocker& right);
+
+    // Sets both rooms from size and decay (0..1 and a time factor); the pre-delay field is kept
+    // only as a value, the line is set in prepare.
+    void setReverbShape (float size, float decay, float preDelayField, float newMix);
+
+    // Processes channels 0 and 1 of `main` in place. `reverb` is the parameter's raw value.
+    void process (juce::AudioBuffer<float>& main, int numSamples, float reverb, DcBlocker& left, DcBlocker& right) noexcept;
+
+    bool isPrepared() const noexcept { return leftNetwork != nullptr && rightNetwork != nullptr; }
+
+private:
+    std::unique_ptr<FdnReverb> leftNetwork;
+    std::unique_ptr<FdnReverb> rightNetwork;
+
+    float roomSize = 1.0f;
+    float roomDecay = 1.0f;
+    float preDelayMs = 40.0f;
+    float mix = 0.5f;
+
+    double highPassFeedback = 0.0;
+    double highPassInput = 0.0;
+    double highPassState = 0.0;
+
+    juce::dsp::DelayLine<float, juce::dsp::DelayLineInterpolationTypes::None> preDelay;
 };
