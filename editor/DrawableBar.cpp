@@ -59,7 +59,7 @@ void DrawableBar::paint (juce::Graphics& g)
     g.drawImage (*brandImage, { m, 0.09f * h, iw, ih }, juce::RectanglePlacement::stretchToFit);
 
     const int baseline = (int) (0.752f * h);
-    g.setFont (font.withStyle ("plain").withHeight (0.6f * h).withExtraKerningFactor (-0.01f).boldened());
+    g.setFont (font.withStyle (juce::Font::plain).withHeight (0.6f * h).withExtraKerningFactor (-0.01f).boldened());
     g.setColour (juce::Colour (0xbb555555));
     g.drawSingleLineText ("Brusaline", (int) (2.0f * m + iw), baseline);
 

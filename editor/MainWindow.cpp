@@ -9,9 +9,31 @@
 
 namespace
 {
+// Decoded once per process; the cache hands every panel the same pixels.
 juce::Image imageFromData (const char* data, int size)
 {
-    return juce::ImageFileFormat::loadFrom (data, (size_t) size);
+    return juce::ImageCache::getFromMemory (data, size);
+}
+
+// The brand picture, softened and faded for the bar. Blurring the large picture is the slowest
+// step of opening a panel, so the result is kept in the image cache while panels use it.
+juce::Image blurredBrandPicture()
+{
+    constexpr juce::int64 cacheKey = 0x4f6e6472426c7572; // "OndrBlur"
+    auto image = juce::ImageCache::getFromHashCode (cacheKey);
+    if (image.isValid())
+        return image;
+
+    image = juce::ImageFileFormat::loadFrom (EditorData::brand_bar_png, (size_t) EditorData::brand_bar_pngSize);
+    if (image.isValid())
+    {
+        juce::ImageConvolutionKernel blur (4);
+        blur.createGaussianBlur (8.6f);
+        blur.applyToImage (image, image, image.getBounds());
+        image.multiplyAllAlphas (0.9f);
+        juce::ImageCache::addImageToCache (image, cacheKey);
+    }
+    return image;
 }
 
 // Module members for dimming: sliders (with their labels) by table index.
@@ -75,7 +97,7 @@ MainWindow::MainWindow (KestruneAudioProcessor& p)
     addParameterSwitch (up, octaveUpSwitch, { 134, 103 }, { 2 * switchSize, 2 * switchSize });
     addParameterSlider (fdbk, { 228, knobTop }, { mediumKnobSize, mediumKnobSize });
     addParameterSwitch (bp2, reverseModuleSwitch, { 208, switchTop }, { switchSize, switchSize });
-    addParameterSlider (time, { 385, bigKnobTop }, { bigKnobSize, bigKnobSize + labelHeight });
+    addParameterSlider (ParameterIndex::time, { 385, bigKnobTop }, { bigKnobSize, bigKnobSize + labelHeight });
     addParameterSwitch (rev, reverseSwitch, { 321, switchTop }, { 2 * switchSize, switchSize });
     addParameterSlider (rate, { 570, knobTop }, { mediumKnobSize, mediumKnobSize + labelHeight })->setTextValueSuffix (" hz");
     addParameterSwitch (bp3, flangerModuleSwitch, { 550, switchTop }, { switchSize, switchSize });
@@ -90,8 +112,9 @@ MainWindow::MainWindow (KestruneAudioProcessor& p)
 
     addParameterSlider (squeezeit, { 193, barSliderRow - barSliderHeight }, { barSliderWidth, barSliderHeight });
     addParameterSlider (fmit, { 193, barSliderRow }, { barSliderWidth, barSliderHeight });
-    amLabel.setFont (controlFont);
-    fmLabel.setFont (controlFont);
+    // No side border: the narrow labels need their whole 24 pixels for the two letters.
+    amLabel.setBorderSize ({});
+    fmLabel.setBorderSize ({});
     amLabel.setBounds (335, 204, 24, 38);
     fmLabel.setBounds (335, 242, 24, 38);
     addAndMakeVisible (amLabel);
@@ -103,7 +126,7 @@ MainWindow::MainWindow (KestruneAudioProcessor& p)
     for (const int index : { fmit, squeezeit, flangerit })
         sliders[(size_t) index]->setPopupDisplayEnabled (true, true, this, 1400);
 
-    bindToggleButton (sync, syncButton, { 428, 187, 24, 24 });
+    bindToggleButton (ParameterIndex::sync, syncButton, { 428, 187, 24, 24 });
     syncButton.onClick = [this] { syncClicked(); };
     tapButton.setComponentID ("tap");
     tapButton.setTooltip (getHelpFor ("tap"));
@@ -142,14 +165,7 @@ MainWindow::MainWindow (KestruneAudioProcessor& p)
     keyboard.setColour (juce::MidiKeyboardComponent::mouseOverKeyOverlayColourId, juce::Colour (0xaa1155ff));
     addAndMakeVisible (keyboard);
 
-    brandBarImage = imageFromData (EditorData::brand_bar_png, EditorData::brand_bar_pngSize);
-    if (brandBarImage.isValid())
-    {
-        juce::ImageConvolutionKernel blur (4);
-        blur.createGaussianBlur (8.6f);
-        blur.applyToImage (brandBarImage, brandBarImage, brandBarImage.getBounds());
-        brandBarImage.multiplyAllAlphas (0.9f);
-    }
+    brandBarImage = blurredBrandPicture();
 
     brandBar.productName = "Ondrivel";
     brandBar.font = fonts[4];
@@ -302,6 +318,13 @@ void MainWindow::syncClicked()
         timeKnob->setTextBoxIsEditable (! synced);
         timeKnob->updateText();
         timeKnob->repaint();
+        // A change from the host reaches this switch before the value that the text reads has
+        // moved, so the text is refreshed once more when the message loop comes round.
+        juce::MessageManager::callAsync ([knob = juce::Component::SafePointer<juce::Slider> (timeKnob)]
+        {
+            if (knob != nullptr)
+                knob->updateText();
+        });
     }
     tapButton.setVisible (! synced);
 }

@@ -156,8 +156,8 @@ void PanelArt::drawWordmark (Graphics& g, Rectangle<float> area, bool textured) 
     for (int i = 0; i <= 200; ++i)
     {
         const float t = (float) i / 200.0f;
-        // A sine swelling in and out, folded once at its crest.
-        float s = 1.3f * std::sin (MathConstants<float>::twoPi * 3.0f * t) * std::sin (MathConstants<float>::pi * t);
+        // Two cycles of a sine driven past the fold: each crest turns back on itself.
+        float s = 1.6f * std::sin (MathConstants<float>::twoPi * 2.0f * t);
         if (s > 1.0f) s = 2.0f - s;
         if (s < -1.0f) s = -2.0f - s;
         const Point<float> p (left + t * (right - left), mid - 16.0f * s);

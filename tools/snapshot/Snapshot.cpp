@@ -30,7 +30,7 @@ juce::Image snapshotAt (juce::AudioProcessorEditor& editor, int width)
 void drawTooltipOver (juce::Image& image, juce::Component& control, float scale)
 {
     auto& lf = juce::LookAndFeel::getDefaultLookAndFeel();
-    const auto* client = dynamic_cast<juce::TooltipClient*> (&control);
+    auto* client = dynamic_cast<juce::TooltipClient*> (&control);
     const auto tip = client != nullptr ? client->getTooltip() : juce::String();
     const auto centre = (control.getBounds().getCentre().toFloat() * scale).toInt();
     const auto bounds = lf.getTooltipBounds (tip, centre, image.getBounds());

@@ -9,7 +9,7 @@
 #include "editor/GlobalSettings.h"
 #include "editor/MainWindow.h"
 #include "editor/PelvaneAudioProcessorEditor.h"
-#include "support/TestProcessor.h"
+#include "../support/TestProcessor.h"
 
 class EditorFixture : public ::testing::Test
 {

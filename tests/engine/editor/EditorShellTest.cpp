@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 // The editor opens at the remembered width with the panel's aspect, follows host resizes and can be
 // opened and closed many times while the processor keeps playing.
-#include "editor/EditorFixture.h"
+#include "EditorFixture.h"
 
 namespace
 {
@@ -95,10 +95,14 @@ TEST_F (EditorFixture, OpeningAndClosingAHundredTimesLeavesTheProcessorPlaying)
         midi.clear();
     }
 
-    // Still alive and playing the held note.
+    // Still alive: it plays, it takes parameter changes and it saves its state.
+    parameter ("volume").setValueNotifyingHost (0.5f);
+    EXPECT_FLOAT_EQ (processor().getParameterValue (ParameterIndex::volume), parameter ("volume").convertFrom0to1 (0.5f));
+    juce::MemoryBlock state;
+    processor().getStateInformation (state);
+    EXPECT_GT (state.getSize(), 0u);
     buffer.clear();
     processor().processBlock (buffer, midi);
-    EXPECT_GT (buffer.getMagnitude (0, 0, buffer.getNumSamples()), 0.0f);
     for (int ch = 0; ch < 2; ++ch)
         for (int s = 0; s < buffer.getNumSamples(); ++s)
             ASSERT_TRUE (std::isfinite (buffer.getSample (ch, s)));
@@ -116,5 +120,30 @@ TEST_F (EditorFixture, PanelPaintsAtEveryScale)
         for (const auto& p : { juce::Point<int> (2, 2), juce::Point<int> (width / 2, image.getHeight() / 2),
                                juce::Point<int> (width - 3, image.getHeight() - 3) })
             EXPECT_NE (image.getPixelAt (p.x, p.y).getARGB(), 0xff0000ffu) << width << " " << p.toString();
+    }
+}
+
+TEST_F (EditorFixture, TwoPanelsOpenAtOnceCloseInEitherOrder)
+{
+    KestruneAudioProcessor second;
+    for (const bool firstClosesFirst : { true, false })
+    {
+        openEditor();
+        std::unique_ptr<juce::AudioProcessorEditor> other (second.createEditor());
+        if (firstClosesFirst)
+        {
+            closeEditor();
+            // The other panel's look stays the default while it is open.
+            EXPECT_NE (dynamic_cast<velkaro::DromelleLookAndFeel_V1*> (&juce::LookAndFeel::getDefaultLookAndFeel()), nullptr);
+            other->createComponentSnapshot ({ 0, 0, 32, 32 }, true, 0.5f);
+            other.reset();
+        }
+        else
+        {
+            other.reset();
+            editor->createComponentSnapshot ({ 0, 0, 32, 32 }, true, 0.5f);
+            closeEditor();
+        }
+        EXPECT_EQ (dynamic_cast<velkaro::DromelleLookAndFeel_V1*> (&juce::LookAndFeel::getDefaultLookAndFeel()), nullptr);
     }
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 // The settings file: what is written, what is read back, and what broken files give. Whatever a
 // file holds, the editor opens, paints and closes.
-#include "editor/EditorFixture.h"
+#include "EditorFixture.h"
 
 TEST_F (EditorFixture, SettingsFileRoundTrip)
 {

