@@ -15,7 +15,7 @@
 #include "editor/PelvaneAudioProcessorEditor.h"
 #include "presets/Preset.h"
 #include "presets/PresetsToolbar.h"
-#include "support/TestProcessor.h"
+#include "../support/TestProcessor.h"
 
 class BrowserFixture : public ::testing::Test
 {

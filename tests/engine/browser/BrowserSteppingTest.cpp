@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 // The toolbar's arrows load presets in turn, wrapping around, inside the filtered list when the tree
 // filters it, and the browser's table highlight follows them.
-#include "browser/BrowserFixture.h"
+#include "BrowserFixture.h"
 
 #include "presets/FilterTreeItem.h"
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 // The browser's table collects edits of many presets and writes them all at once; each file stays a
 // whole preset, and a refused name never becomes an edit.
-#include "browser/BrowserFixture.h"
+#include "BrowserFixture.h"
 
 #include "presets/FilterTreeItem.h"
 #include "presets/PresetColours.h"

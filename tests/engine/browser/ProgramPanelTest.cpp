@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 // The program panel saves the loaded program over its own file or into a new one, offers each save
 // only when it makes sense, and says why in its hint line.
-#include "browser/BrowserFixture.h"
+#include "BrowserFixture.h"
 
 namespace
 {

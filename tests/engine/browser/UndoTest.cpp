@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 // Each gesture on the panel is one undo step; the toolbar counts the stored edits, undoes, redoes and
 // can drop all of them to return to the preset as loaded.
-#include "browser/BrowserFixture.h"
+#include "BrowserFixture.h"
 
 namespace
 {
