@@ -178,6 +178,8 @@ void PresetsPanel::toggle()
 void PresetsPanel::paint (juce::Graphics& g)
 {
     updatePresetColours (getLookAndFeel());
+    // The default look-and-feel is installed after this panel is built, without telling it.
+    unsavedLabel.setColour (juce::Label::textColourId, findColour (presetPendingTextColourId));
 
     const auto fill = findColour (presetPanelFillColourId);
     g.fillAll (fill);
