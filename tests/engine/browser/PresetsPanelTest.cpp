@@ -143,3 +143,22 @@ TEST_F (BrowserFixture, SnapshotOfTheOpenPresetsPanel)
     ASSERT_TRUE (stream.openedOk());
     EXPECT_TRUE (juce::PNGImageFormat().writeImageToStream (image, stream));
 }
+
+TEST_F (BrowserFixture, SnapshotOfTheProgramPanelOverThePanel)
+{
+    writePreset ("01 Glass Bells.xml", "Glass Bells", "Keys", "Ann");
+    openEditor();
+    manager().selectPreset (0);
+    click (toolbar().saveButton);
+    enterText (*programPanel().nameProperty, "Glass Bells, soft");
+    juce::Desktop::getInstance().getAnimator().cancelAllAnimations (true);
+
+    auto& p = panel();
+    EXPECT_EQ (programPanel().getBounds(), p.getLocalBounds()) << "the program panel covers the whole window";
+    const auto image = p.createComponentSnapshot (p.getLocalBounds(), true, 1.0f);
+    const auto out = juce::File (previousHome).getChildFile ("program-panel.png");
+    out.deleteFile();
+    juce::FileOutputStream stream (out);
+    ASSERT_TRUE (stream.openedOk());
+    EXPECT_TRUE (juce::PNGImageFormat().writeImageToStream (image, stream));
+}
