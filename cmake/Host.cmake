@@ -14,8 +14,10 @@ file(GLOB ONDRIVEL_HOST_SOURCES CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tools/host
 if(NOT ONDRIVEL_HOST_SOURCES)
   return()
 endif()
-add_library(ondrivel_host STATIC ${ONDRIVEL_HOST_SOURCES})
-target_include_directories(ondrivel_host PUBLIC ${CMAKE_SOURCE_DIR}/tools/host)
+# The parameter table gives the tools the plug-in's parameter ids and ranges (a VST3 host sees only
+# normalised values under numeric ids).
+add_library(ondrivel_host STATIC ${ONDRIVEL_HOST_SOURCES} ${CMAKE_SOURCE_DIR}/core/ParameterTable.cpp)
+target_include_directories(ondrivel_host PUBLIC ${CMAKE_SOURCE_DIR}/tools/host ${CMAKE_SOURCE_DIR})
 target_compile_definitions(ondrivel_host PUBLIC
   JUCE_PLUGINHOST_VST3=1
   JUCE_WEB_BROWSER=0
@@ -30,6 +32,10 @@ target_link_libraries(ondrivel_host
   PRIVATE
     juce::juce_audio_utils
     juce::juce_recommended_config_flags)
+# JUCE adds the system image libraries only to its own plug-in and app targets.
+if(TARGET juce::pkgconfig_JUCE_IMG_LINUX_DEPS)
+  target_link_libraries(ondrivel_host PRIVATE juce::pkgconfig_JUCE_IMG_LINUX_DEPS)
+endif()
 
 file(GLOB ONDRIVEL_RENDER_SOURCES CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tools/render/*.cpp)
 add_executable(ondrivel-render ${ONDRIVEL_RENDER_SOURCES})

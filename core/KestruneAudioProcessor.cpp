@@ -76,8 +76,12 @@ KestruneAudioProcessor::KestruneAudioProcessor()
     const auto result = dataFolderFile.createDirectory();
     if (dataFolder.isNotEmpty() && dataFolderFile.exists())
         dataFolderFile.setAsCurrentWorkingDirectory();
-    if (result.failed())
-        juce::AlertWindow::showMessageBoxAsync (juce::MessageBoxIconType::NoIcon, dataFolder, result.getErrorMessage(), "OK");
+    // The callback keeps the box asynchronous: without one, the framework runs it as a modal loop
+    // (modal loops are enabled), holding up the host. Without a display (a headless render) the
+    // framework would fault while laying the box out.
+    if (result.failed() && juce::Desktop::getInstance().getDisplays().getPrimaryDisplay() != nullptr)
+        juce::AlertWindow::showMessageBoxAsync (juce::MessageBoxIconType::NoIcon, dataFolder, result.getErrorMessage(), "OK",
+                                                nullptr, juce::ModalCallbackFunction::create ([] (int) {}));
 
     currentProgramName = "no name";
 

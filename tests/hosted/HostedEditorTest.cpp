@@ -2,9 +2,9 @@
 // The panel inside a host: the built bundle's editor opens in a real window at the remembered width,
 // and can be opened and closed a hundred times while the plug-in plays on. Needs an X display
 // (run under xvfb-run); without one the tests are skipped.
-#include "hosted/HostedPlugin.h"
+#include <cstdlib>
 
-using hosted::HostedPluginTest;
+#include "hosted/HostedPlugin.h"
 
 namespace
 {
@@ -13,6 +13,12 @@ juce::File hostedSettingsFile()
     return juce::File::getSpecialLocation (juce::File::userApplicationDataDirectory)
         .getChildFile ("Velkaro Data")
         .getChildFile ("ondrivelSettings.xml");
+}
+
+// Lets the window and the framework's queued messages run for a while.
+void pump (int milliseconds)
+{
+    juce::MessageManager::getInstance()->runDispatchLoopUntil (milliseconds);
 }
 
 bool haveDisplay()
@@ -28,13 +34,36 @@ std::unique_ptr<juce::AudioProcessorEditor> showEditor (juce::AudioPluginInstanc
         editor->setTopLeftPosition (20, 20);
         editor->addToDesktop (0);
         editor->setVisible (true);
-        HostEnvironment::pumpMessages (50);
+        pump (50);
     }
     return editor;
 }
+// The plug-in is loaded with a home folder of the test's own, so that tests run in parallel never
+// share the settings file that every closing panel writes.
+class HostedEditorTest : public hosted::HostedPluginTest
+{
+protected:
+    void SetUp() override
+    {
+        savedHome = juce::SystemStats::getEnvironmentVariable ("HOME", {});
+        const auto* info = ::testing::UnitTest::GetInstance()->current_test_info();
+        const auto home = juce::File (savedHome).getChildFile (juce::String ("hosted-") + info->name());
+        home.createDirectory();
+        setenv ("HOME", home.getFullPathName().toRawUTF8(), 1);
+        hosted::HostedPluginTest::SetUp();
+    }
+
+    void TearDown() override
+    {
+        host.reset();
+        setenv ("HOME", savedHome.toRawUTF8(), 1);
+    }
+
+    juce::String savedHome;
+};
 } // namespace
 
-TEST_F (HostedPluginTest, EditorOpensAtTheRememberedWidth)
+TEST_F (HostedEditorTest, EditorOpensAtTheRememberedWidth)
 {
     if (! haveDisplay())
         GTEST_SKIP() << "no X display";
@@ -53,7 +82,7 @@ TEST_F (HostedPluginTest, EditorOpensAtTheRememberedWidth)
         EXPECT_EQ (editor->getWidth(), c.width);
         EXPECT_EQ (editor->getHeight(), c.height);
         editor.reset();
-        HostEnvironment::pumpMessages (20);
+        pump (20);
 
         // Closing the panel stores its width again.
         const auto stored = juce::XmlDocument::parse (hostedSettingsFile());
@@ -63,7 +92,7 @@ TEST_F (HostedPluginTest, EditorOpensAtTheRememberedWidth)
     hostedSettingsFile().deleteFile();
 }
 
-TEST_F (HostedPluginTest, EditorOpenedAndClosedAHundredTimesLeavesThePluginPlaying)
+TEST_F (HostedEditorTest, EditorOpenedAndClosedAHundredTimesLeavesThePluginPlaying)
 {
     if (! haveDisplay())
         GTEST_SKIP() << "no X display";
@@ -80,7 +109,7 @@ TEST_F (HostedPluginTest, EditorOpenedAndClosedAHundredTimesLeavesThePluginPlayi
         ASSERT_EQ (levels.nonFinite, 0) << i;
         editor.reset();
     }
-    HostEnvironment::pumpMessages (50);
+    pump (50);
     const auto levels = hosted::render (*host, 4800);
     EXPECT_EQ (levels.nonFinite, 0);
     EXPECT_NEAR (parameter ("drywet").getValue(), 0.9f, 1e-6f);

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <cstdlib>
 #include <memory>
 
 #include "core/KestruneAudioProcessor.h"
@@ -16,6 +17,15 @@ class EditorFixture : public ::testing::Test
 protected:
     void SetUp() override
     {
+        // Each test gets a home of its own, so that tests run in parallel never share the
+        // settings and picture files.
+        savedHome = juce::SystemStats::getEnvironmentVariable ("HOME", {});
+        const auto* info = ::testing::UnitTest::GetInstance()->current_test_info();
+        const auto home = juce::File (savedHome).getChildFile (juce::String ("editor-") + info->name());
+        home.createDirectory();
+        setenv ("HOME", home.getFullPathName().toRawUTF8(), 1);
+        test = std::make_unique<TestProcessor>();
+
         settingsFile().deleteFile();
         savedBackgroundFile().deleteFile();
         resetParameters();
@@ -26,16 +36,18 @@ protected:
         editor.reset();
         settingsFile().deleteFile();
         savedBackgroundFile().deleteFile();
+        test.reset();
+        setenv ("HOME", savedHome.toRawUTF8(), 1);
     }
 
-    KestruneAudioProcessor& processor() { return *test.processor; }
+    KestruneAudioProcessor& processor() { return *test->processor; }
 
-    juce::File settingsFile() const { return juce::File (test.processor->dataFolder + "Settings.xml"); }
+    juce::File settingsFile() const { return juce::File (test->processor->dataFolder + "Settings.xml"); }
 
     PelvaneAudioProcessorEditor& openEditor()
     {
         editor.reset();
-        editor.reset (dynamic_cast<PelvaneAudioProcessorEditor*> (test.processor->createEditor()));
+        editor.reset (dynamic_cast<PelvaneAudioProcessorEditor*> (test->processor->createEditor()));
         return *editor;
     }
 
@@ -49,7 +61,7 @@ protected:
 
     void resetParameters()
     {
-        for (auto* p : test.processor->getParameters())
+        for (auto* p : test->processor->getParameters())
             p->setValueNotifyingHost (p->getDefaultValue());
     }
 
@@ -59,6 +71,7 @@ protected:
         settingsFile().replaceWithText (content, false, false, nullptr);
     }
 
-    TestProcessor test;
+    juce::String savedHome;
+    std::unique_ptr<TestProcessor> test;
     std::unique_ptr<PelvaneAudioProcessorEditor> editor;
 };

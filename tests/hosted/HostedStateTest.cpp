@@ -1,0 +1,86 @@
+// SPDX-License-Identifier: AGPL-3.0-or-later
+// A project saved by a host must come back exactly, and damaged project data must change nothing.
+#include "hosted/HostedPlugin.h"
+
+using hosted::HostedPluginTest;
+
+namespace
+{
+// A value inside each range, away from the default, that exercises skewed and stepped ranges.
+double valueAwayFromDefault (const ParameterInfo& row)
+{
+    const double span = row.max - row.min;
+    double value = row.min + span * (row.defaultValue - row.min < span * 0.5 ? 0.73 : 0.21);
+    if (row.interval > 0)
+        value = row.min + std::round ((value - row.min) / row.interval) * row.interval;
+    return value;
+}
+} // namespace
+
+TEST_F (HostedPluginTest, StateRoundTripRestoresAllThirtyValuesExactly)
+{
+    for (const auto& row : parameterTable)
+        PluginHost::setParameterValue (parameter (row.id), valueAwayFromDefault (row));
+    host->renderNext (host->getBlockSize());
+
+    const auto saved = host->getState();
+    const auto savedXml = juce::AudioProcessor::getXmlFromBinary (saved.getData(), (int) saved.getSize());
+    ASSERT_NE (savedXml, nullptr);
+    EXPECT_TRUE (savedXml->hasTagName ("ondrivel"));
+
+    auto other = hosted::loadBuiltPlugin();
+    ASSERT_NE (other, nullptr);
+    other->setState (saved.getData(), saved.getSize());
+    const auto restoredXml = hosted::stateXml (*other);
+    ASSERT_NE (restoredXml, nullptr);
+
+    for (const auto& row : parameterTable)
+    {
+        SCOPED_TRACE (row.id);
+        const auto savedValue = hosted::stateValue (*savedXml, row.id);
+        ASSERT_TRUE (savedValue.isNotEmpty());
+        EXPECT_NE (savedValue.getDoubleValue(), row.defaultValue);
+        EXPECT_EQ (hosted::stateValue (*restoredXml, row.id), savedValue);
+        // The host's view follows the restored state too.
+        auto* restored = other->findParameter (row.id);
+        auto* original = host->findParameter (row.id);
+        EXPECT_EQ (restored->getText (restored->getValue(), 128), original->getText (original->getValue(), 128));
+    }
+}
+
+TEST_F (HostedPluginTest, CorruptStateBlocksLeaveTheParametersAlone)
+{
+    PluginHost::setParameterValue (parameter ("volume"), 0.25);
+    PluginHost::setParameterValue (parameter ("time"), 500.0);
+    host->renderNext (host->getBlockSize());
+    const auto before = hosted::stateXml (*host);
+    ASSERT_NE (before, nullptr);
+
+    juce::MemoryBlock valid;
+    juce::AudioProcessor::copyXmlToBinary (juce::XmlElement ("ondrivel"), valid);
+    const auto* bytes = static_cast<const char*> (valid.getData());
+
+    struct Case
+    {
+        const char* name;
+        juce::MemoryBlock block;
+    };
+    const std::string notXml = std::string ("VC2!") + std::string ("\x0b\0\0\0", 4) + "not xml at" + '\0';
+    const Case cases[] = {
+        { "empty", {} },
+        { "eight bytes", { bytes, 8 } },
+        { "nine bytes, wrong magic", { "XXXX\x01\0\0\0a", 9 } },
+        { "zero stored length", { "VC2!\0\0\0\0\0", 9 } },
+        { "text that is not XML", { notXml.data(), notXml.size() } },
+        { "truncated", { bytes, valid.getSize() / 2 } },
+        { "random bytes", { "\x13\x37\xca\xfe\xba\xbe\xde\xad\xbe\xef\x00\x01", 12 } },
+    };
+    for (const auto& c : cases)
+    {
+        host->setState (c.block.getData(), c.block.getSize());
+        const auto after = hosted::stateXml (*host);
+        ASSERT_NE (after, nullptr) << c.name;
+        for (const auto& row : parameterTable)
+            EXPECT_EQ (hosted::stateValue (*after, row.id), hosted::stateValue (*before, row.id)) << c.name << ", " << row.id;
+    }
+}
