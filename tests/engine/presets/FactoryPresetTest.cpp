@@ -172,7 +172,9 @@ TEST (FactoryPresets, RenderFiniteAndAudible)
         const double rms = renderChord (finite);
         EXPECT_TRUE (finite);
         if (engineSounds)
+        {
             EXPECT_GT (rms, 1e-3) << "audible";
+        }
     }
     if (! engineSounds)
         GTEST_SKIP() << "the voices make no sound yet, so only finiteness was checked";

@@ -116,6 +116,8 @@ TEST (PresetFuzz, AThousandMutatedFilesScanAndLoadSafely)
             }
         }
     }
+    RecordProperty ("renamed", renamesSeen);
+    RecordProperty ("loaded", presetsLoaded);
     EXPECT_EQ (filesWritten, 1000);
     EXPECT_GT (renamesSeen, 100);
     EXPECT_GT (presetsLoaded, 700);

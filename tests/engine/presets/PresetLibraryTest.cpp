@@ -90,6 +90,7 @@ TEST (PresetLibrary, OddFilesAreSkippedOrLoadedWithoutHarm)
     lib.getChildFile ("unreadable.xml").setReadOnly (true);
     ::chmod (lib.getChildFile ("unreadable.xml").getFullPathName().toRawUTF8(), 0);
     lib.getChildFile ("folder.xml").createDirectory();
+    lib.createSymbolicLink (lib.getChildFile ("loop"), true); // a folder that contains itself
     {
         juce::FileOutputStream huge (lib.getChildFile ("huge.xml"));
         huge << "<ondrivel><PROGRAM NAME=\"huge\"/><NOTES TEXT=\"";

@@ -76,7 +76,7 @@ inline std::vector<juce::String> namesOf (const std::vector<velkaro::Preset*>& p
 inline std::map<juce::String, juce::MemoryBlock> snapshotFiles (const juce::File& folder)
 {
     std::map<juce::String, juce::MemoryBlock> result;
-    for (const auto& f : folder.findChildFiles (juce::File::findFiles, true, "*"))
+    for (const auto& f : folder.findChildFiles (juce::File::findFiles, true, "*", juce::File::FollowSymlinks::noCycles))
     {
         juce::MemoryBlock data;
         f.loadFileAsData (data);
