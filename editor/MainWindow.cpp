@@ -59,7 +59,9 @@ MainWindow::MainWindow (KestruneAudioProcessor& p)
       reverseSwitch (imageFromData (EditorData::reverse_switch_png, EditorData::reverse_switch_pngSize), true),
       flangerModuleSwitch (imageFromData (EditorData::module_switch_png, EditorData::module_switch_pngSize), true),
       flangerPreSwitch (imageFromData (EditorData::pre_switch_png, EditorData::pre_switch_pngSize), true),
-      tapButton (imageFromData (EditorData::tap_button_png, EditorData::tap_button_pngSize), false)
+      tapButton (imageFromData (EditorData::tap_button_png, EditorData::tap_button_pngSize), false),
+      presetsToolbar (p.presetManager, &p.undoManager),
+      undoGestures (p.parameters, p.undoManager)
 {
     panelTypeface = juce::Typeface::createSystemTypefaceFor (EditorData::PanelFont_ttf, (size_t) EditorData::PanelFont_ttfSize);
     for (const float height : { 24.0f, 20.0f, 18.0f, 16.0f, 14.0f })
@@ -173,6 +175,10 @@ MainWindow::MainWindow (KestruneAudioProcessor& p)
     brandBar.setBounds (brandBarArea);
     addAndMakeVisible (brandBar);
 
+    presetsToolbar.setLookAndFeel (toolbarLookAndFeel.get());
+    presetsToolbar.setBounds (toolbarArea);
+    addAndMakeVisible (presetsToolbar);
+
     startTimer (20);
     settings.dataFolder = processor.dataFolder;
     settings.read();
@@ -189,6 +195,8 @@ MainWindow::MainWindow (KestruneAudioProcessor& p)
     };
     tooltipsButton.setToggleState (settings.showTooltips > 0, juce::dontSendNotification);
     tooltipWindow.enabled = tooltipsButton.getToggleState();
+
+    undoGestures.watchKeysOf (*this);
 }
 
 MainWindow::~MainWindow()

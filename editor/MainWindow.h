@@ -19,6 +19,8 @@
 #include "editor/LookAndFeel_sixX2Knob.h"
 #include "editor/NameDisplay.h"
 #include "editor/myToolTipWindow.h"
+#include "presets/PresetsToolbar.h"
+#include "presets/UndoGestureTracker.h"
 
 class KestruneAudioProcessor;
 
@@ -72,7 +74,8 @@ public:
         flangerPreSwitch, tapButton;
     juce::TextButton syncButton { "T" }, wsButton { "WS" }, pictureButton { "picture" }, tooltipsButton { "tooltips" };
 
-    // The preset toolbar takes its place at toolbarArea when the preset browser lands.
+    velkaro::PresetsToolbar presetsToolbar;
+    velkaro::UndoGestureTracker undoGestures; // one undo step per gesture on the panel
     DrawableBar brandBar;
     myToolTipWindow tooltipWindow;
 

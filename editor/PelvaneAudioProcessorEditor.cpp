@@ -25,6 +25,10 @@ PelvaneAudioProcessorEditor::PelvaneAudioProcessorEditor (KestruneAudioProcessor
     mainWindow->scaledWidth = getWidth();
     if (mainWindow->isVisible())
         applyScale();
+
+    // The library may have changed on disk while no editor was open; the count starts once all is built.
+    processor.presetManager.reload();
+    mainWindow->presetsToolbar.unitsPerModification = 90;
 }
 
 PelvaneAudioProcessorEditor::~PelvaneAudioProcessorEditor()

@@ -75,6 +75,9 @@ public:
     bool isModified() const { return modified; }
     void setModified (bool shouldBeModified) { modified = shouldBeModified; }
 
+    // The parameter state that presets are loaded into; the program panel saves from it.
+    juce::AudioProcessorValueTreeState& getState() const { return state; }
+
     // A handle on the shared "selection" tree, for the table to listen to.
     juce::ValueTree getSelection() const { return selection; }
 
