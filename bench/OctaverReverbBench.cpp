@@ -103,4 +103,3 @@ static void fullPatchEightNotes (benchmark::State& state)
 }
 BENCHMARK (fullPatchEightNotes);
 
-BENCHMARK_MAIN();

@@ -44,4 +44,3 @@ void ProcessBlockChord8 (benchmark::State& state) { renderBlocks (state, true); 
 
 BENCHMARK (ProcessBlockIdle);
 BENCHMARK (ProcessBlockChord8);
-BENCHMARK_MAIN();

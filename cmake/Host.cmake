@@ -32,8 +32,7 @@ target_link_libraries(ondrivel_host
   PRIVATE
     juce::juce_audio_utils
     juce::juce_recommended_config_flags)
-# juce_add_* targets get the system image libraries from the framework's helpers; a plain library
-# has to ask for them itself.
+# JUCE adds the system image libraries only to its own plug-in and app targets.
 if(TARGET juce::pkgconfig_JUCE_IMG_LINUX_DEPS)
   target_link_libraries(ondrivel_host PRIVATE juce::pkgconfig_JUCE_IMG_LINUX_DEPS)
 endif()

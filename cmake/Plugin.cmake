@@ -23,6 +23,7 @@ target_sources(ondrivel PRIVATE ${ONDRIVEL_SOURCES})
 target_include_directories(ondrivel PUBLIC ${CMAKE_SOURCE_DIR})
 
 include(${CMAKE_SOURCE_DIR}/cmake/Resources.cmake OPTIONAL)
+include(${CMAKE_SOURCE_DIR}/cmake/EditorResources.cmake)
 
 target_compile_definitions(ondrivel PUBLIC
   JUCE_WEB_BROWSER=0

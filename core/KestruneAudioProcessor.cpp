@@ -2,7 +2,6 @@
 #include "core/KestruneAudioProcessor.h"
 
 #include "core/SoftClipper.h"
-#include "core/StateValues.h"
 #include "editor/PelvaneAudioProcessorEditor.h"
 #include "voice/SynthSound.h"
 #include "voice/SynthVoice.h"
@@ -67,14 +66,22 @@ KestruneAudioProcessor::KestruneAudioProcessor()
 
     setPlayConfigDetails (0, 2, 44100.0, 512);
 
+    if (! parameters.state.isValid())
+        parameters.state = juce::ValueTree ("ondrivel");
+    presetManager.readyPresetFolder();
+
     dataFolder = juce::File::getSpecialLocation (juce::File::userApplicationDataDirectory).getFullPathName()
                  + "/" + "Velkaro Data" + "/" + "ondrivel";
     dataFolderFile = juce::File (dataFolder);
     const auto result = dataFolderFile.createDirectory();
     if (dataFolder.isNotEmpty() && dataFolderFile.exists())
         dataFolderFile.setAsCurrentWorkingDirectory();
-    if (result.failed())
-        juce::AlertWindow::showMessageBoxAsync (juce::MessageBoxIconType::NoIcon, dataFolder, result.getErrorMessage(), "OK");
+    // The callback keeps the box asynchronous: without one, the framework runs it as a modal loop
+    // (modal loops are enabled), holding up the host. Without a display (a headless render) the
+    // framework would fault while laying the box out.
+    if (result.failed() && juce::Desktop::getInstance().getDisplays().getPrimaryDisplay() != nullptr)
+        juce::AlertWindow::showMessageBoxAsync (juce::MessageBoxIconType::NoIcon, dataFolder, result.getErrorMessage(), "OK",
+                                                nullptr, juce::ModalCallbackFunction::create ([] (int) {}));
 
     currentProgramName = "no name";
 
@@ -85,7 +92,7 @@ KestruneAudioProcessor::KestruneAudioProcessor()
     for (int i = 0; i < numVoices; ++i)
         synth.addVoice (new SynthVoice());
 
-    presetManager.startUp();
+    presetManager.scanPresets();
 }
 
 KestruneAudioProcessor::~KestruneAudioProcessor() = default;
@@ -103,7 +110,8 @@ void KestruneAudioProcessor::prepareToPlay (double sampleRate, int samplesPerBlo
 
     octaver.prepare (sampleRate, samplesPerBlock);
 
-    flanger.prepare ({ sampleRate, (juce::uint32) juce::jmax (1, samplesPerBlock), 2 });
+    flangerMaxBlock = juce::jmax (1, samplesPerBlock);
+    flanger.prepare ({ sampleRate, (juce::uint32) flangerMaxBlock, 2 });
     flanger.setCentreDelay (2.23f);
     flanger.setDepth (0.11f);
 
@@ -190,10 +198,17 @@ void KestruneAudioProcessor::runFlanger (juce::AudioBuffer<float>& wet, int numS
     const float x = getParameterValue (ParameterIndex::flangerit);
     const float magnitude = std::abs (x);
     flanger.setRate (getParameterValue (ParameterIndex::rate));
-    flanger.setFeedback ((x > 0.0f ? -0.62f : 0.62f) * (magnitude * 0.2f + 1.0f));
+    flanger.setFeedback ((float) ((x > 0.0f ? -0.62 : 0.62) * (magnitude * 0.2 + 1.0)));
     flanger.setMix (magnitude);
-    auto block = juce::dsp::AudioBlock<float> (wet).getSubBlock (0, (size_t) numSamples);
-    flanger.process (juce::dsp::ProcessContextReplacing<float> (block));
+
+    // The chorus holds scratch space for the prepared block size only, so a longer host block runs in
+    // pieces; its state carries across them exactly as across blocks.
+    auto block = juce::dsp::AudioBlock<float> (wet).getSubsetChannelBlock (0, (size_t) juce::jmin (2, wet.getNumChannels()));
+    for (int start = 0; start < numSamples; start += flangerMaxBlock)
+    {
+        auto piece = block.getSubBlock ((size_t) start, (size_t) juce::jmin (flangerMaxBlock, numSamples - start));
+        flanger.process (juce::dsp::ProcessContextReplacing<float> (piece));
+    }
 }
 
 void KestruneAudioProcessor::processBlock (juce::AudioBuffer<float>& buffer, juce::MidiBuffer& midi)
@@ -327,14 +342,20 @@ void KestruneAudioProcessor::setStateInformation (const void* data, int sizeInBy
     tilt.invalidate();
     resetBlockDelay();
 
-    const auto xml = getXmlFromBinary (data, sizeInBytes);
+    const auto xml = data != nullptr ? getXmlFromBinary (data, sizeInBytes) : nullptr;
     if (xml == nullptr)
         return;
 
-    auto state = juce::ValueTree::fromXml (*xml);
-    removeNaNValues (state);
-    parameters.replaceState (state);
-    presetManager.stateWasReplaced();
+    auto newState = juce::ValueTree::fromXml (*xml);
+    if (! newState.isValid())
+        return;
+    velkaro::PresetManager::replaceNonFiniteValues (parameters, newState);
+    parameters.replaceState (newState);
+
+    // A project recall is never taken for a library preset, even where it started as one.
+    presetManager.clearSelection();
+    selection.removeProperty ("name", nullptr);
+    presetManager.detachFromPreset (parameters.state);
 }
 
 juce::AudioProcessor* JUCE_CALLTYPE createPluginFilter()

@@ -88,6 +88,7 @@ public:
     double currentSampleRate = 48000.0;
 
     juce::dsp::Chorus<float> flanger;
+    int flangerMaxBlock = 1; // the block size the flanger was prepared for
 
     TiltEqualiser tilt;
 

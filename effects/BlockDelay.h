@@ -1,14 +1,19 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
-// Records a block, freezes a windowed copy and plays it forwards or backwards. (Placeholder.)
+// Records the wet signal in blocks of a set length, freezes a windowed copy of each full block and plays it
+// during the next one, forwards or backwards, with ring and pitch modulation and whole-block repeats.
 #pragma once
 
 #include <juce_audio_basics/juce_audio_basics.h>
 
-class TiltEqualiser;
+#include "effects/TiltEqualiser.h"
 
 class BlockDelay
 {
 public:
+    static constexpr int planeSize = 262144;
+    static constexpr int planeMask = 0x3FFFF;
+    static constexpr int maxBlockLength = 262143; // leaves room for the window's inclusive end index
+
     struct Settings
     {
         float time, sync, fmit, squeezeit, fdbk, envms, revmix, rev;
@@ -16,8 +21,46 @@ public:
         float sampleRate;
     };
 
+    // Zeroes the planes and derives the rate-dependent constants; positions and block length survive.
     void reset (double sampleRate);
     void setupBlock (const Settings&);
     // One pass over the wet buffer: delay, mix (if delayOn) and the tilt filter at the end of each sample.
     void process (juce::AudioBuffer<float>& wet, int numSamples, bool delayOn, float revmix, TiltEqualiser& tilt);
+
+    int getBlockLength() const noexcept { return blockLen; }
+
+private:
+    void processSample (float& left, float& right, bool delayOn, float revmix, TiltEqualiser& tilt) noexcept;
+    void freezeBlock() noexcept;
+    void clearPlanes() noexcept;
+
+    float recordL[planeSize] {};
+    float recordR[planeSize] {};
+    float playL[planeSize] {};
+    float playR[planeSize] {};
+
+    int writePos = 0;
+    int readPos = 0;
+    int blockLen = 1;
+    int lastBlockLen = 0;
+
+    float feedback = 0.0f;
+
+    float fmAmount = 0.0f;
+    float fmSmoothed = 0.0f;
+    float fmSmoothCoeff = 0.9f;
+    double fmDepth = 0.0001;
+
+    int squeeze = 0;
+    double ringSmoothed = 0.0;
+
+    bool reverse = true;
+
+    float env = 0.0f;
+    float envMax = 1.0f;
+    float rampStep = 0.02f;
+    int rampLen = 800;
+    float rampLenF = 400.0f;
+
+    float sampleRateF = 48000.0f;
 };

@@ -1,17 +1,29 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
-// One two-operator phase-modulation voice. (Placeholder: silent until the voice engine lands.)
+// One two-operator phase-modulation voice with phase noise, vibrato, an envelope, a wave folder
+// and a random stereo placement per note. Allocation and stealing are juce::Synthesiser's.
 #pragma once
 
 #include <array>
 #include <atomic>
 #include <juce_audio_basics/juce_audio_basics.h>
+#include <juce_dsp/juce_dsp.h>
+
+#include "voice/OnePole.h"
+#include "voice/PhaseOscillator.h"
+#include "voice/VibratoLfo.h"
+#include "voice/VoiceEnvelope.h"
+#include "voice/WaveFolder.h"
 
 class SynthVoice : public juce::SynthesiserVoice
 {
 public:
     using ParameterValues = std::array<std::atomic<float>*, 30>;
 
+    SynthVoice();
+
+    // Sets everything that depends on the sample rate; not to be called while the voice renders.
     void prepareVoice (double sampleRate);
+    // Copies this block's parameter values into the voice; runs before the block's MIDI.
     void pushParameters (const ParameterValues& values);
 
     bool canPlaySound (juce::SynthesiserSound*) override;
@@ -20,4 +32,86 @@ public:
     void pitchWheelMoved (int newPitchWheelValue) override;
     void controllerMoved (int controllerNumber, int newControllerValue) override;
     void renderNextBlock (juce::AudioBuffer<float>& outputBuffer, int startSample, int numSamples) override;
+    using juce::SynthesiserVoice::renderNextBlock;
+
+    // The note's placement and envelope as they stand, for whoever drives the voice.
+    float getPanGainLeft() const noexcept { return panGainLeft; }
+    float getPanGainRight() const noexcept { return panGainRight; }
+    float getEnvelopeLevel() const noexcept { return envelope.level; }
+    int getEnvelopeState() const noexcept { return envelope.state; }
+
+private:
+    // One step of the modulator, read a fixed 0.9 rad ahead of its own phase. The oscillators and
+    // the noise filter come in as arguments so the render loop can keep them in registers.
+    double modulatorValue (PhaseOscillator& mod) const noexcept
+    {
+        const float fm = (modulatorRatio * noteFrequency) * pitchBendRatio;
+        mod.advance (fm);
+        const double mp = PhaseOscillator::wrap (mod.phase + PhaseOscillator::radiansToCycles * 0.8999999761581421);
+        return PhaseOscillator::shape (mp);
+    }
+
+    // Phase noise and carrier for one sample, from the modulator's value m, the envelope, the
+    // vibrato source and this sample's noise draw r; returns the carrier's value.
+    double carrierValue (PhaseOscillator& car, OnePole& noise, double m, float envelopeOut, float vibratoOutput, float r) const noexcept
+    {
+        const float f = noteFrequency;
+        const float b = pitchBendRatio;
+        const float vib = vibratoAmount * (vibratoOutput * 3.3f);
+
+        // Only the modulator's positive half reaches the carrier.
+        const float depth = envelopeModAmount * envelopeOut + timbreAmount;
+        float pm = depth * (float) m;
+        pm = pm > 1.0f ? 1.0f : pm;
+        pm = pm < 0.0f ? 0.0f : pm;
+
+        float n = r * (noiseAmount - vib * noiseAmount);
+        n = n * (pm * pm + 1.0f);
+        n = (envelopeModAmount * envelopeOut + 1.0f) * n;
+        const float y = noise.process (n);
+
+        // Vibrato adds Hz in proportion to the note, unscaled by the bend.
+        const float fc = b * f + (f * vib) * 0.1f;
+        car.advance (fc);
+        const double cp = PhaseOscillator::wrap ((double) (pm + y) * PhaseOscillator::radiansToCycles + car.phase);
+        return PhaseOscillator::shape (cp);
+    }
+
+    void updateModulatorRatio (float pitchParameter);
+
+    // Per-sample state first, so the render loop touches as few cache lines as possible.
+    VoiceEnvelope envelope;
+    PhaseOscillator modulator;
+    PhaseOscillator carrier;
+    OnePole noiseFilter;
+    VibratoLfo vibratoLfo;
+
+    float noteFrequency = 440.0f;
+    float pitchBendRatio = 1.0f;
+    float modulatorRatio = 0.5f;
+    float timbreAmount = 0.0f;
+    float envelopeModAmount = 0.0f;
+    float noiseAmount = 0.0f;
+    float vibratoAmount = 0.0f;
+    float panGainLeft = 1.0f;
+    float panGainRight = 1.0f;
+
+    juce::Random noiseRandom { 1 };
+
+    WaveFolder folder;
+    // One chunk of each stage's output, handed from stage to stage in the render loop.
+    static constexpr int chunkSize = 64;
+    std::array<float, (size_t) chunkSize> vibratoChunk {};
+    std::array<float, (size_t) chunkSize> envelopeChunk {};
+    std::array<float, (size_t) chunkSize> noiseChunk {};
+    std::array<float, (size_t) chunkSize> signalChunk {};
+    juce::dsp::IIR::Filter<float> highPassA;
+    juce::dsp::IIR::Filter<float> highPassB;
+
+    int noteOffset = 0;
+    double semitoneBase = 1.0594630943592953;
+    int lastPitchWheel = 8192;
+    bool noteHeld = false;
+
+    JUCE_DECLARE_NON_COPYABLE_WITH_LEAK_DETECTOR (SynthVoice)
 };

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 // A project whose stored values are not plain numbers must leave every parameter finite and inside
-// its range; a value that reads as NaN counts as missing, so the parameter takes its default.
+// its range; a value that does not read as a finite number gives the parameter its default.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -29,7 +29,7 @@ TEST (DamagedState, ValuesThatAreNotNumbersNeverReachTheAudio)
         float expected;
     };
     const Case cases[] = { { "nan", 1.0f },  { "NaN", 1.0f },  { "-nan", 1.0f }, { "  nan", 1.0f },
-                           { "inf", 1.0f },  { "-inf", 0.0f }, { "1e39", 1.0f }, { "-1e39", 0.0f },
+                           { "inf", 1.0f },  { "-inf", 1.0f }, { "1e39", 1.0f }, { "-1e39", 1.0f },
                            { "x", 0.0f },    { "", 0.0f },     { "0.25", 0.25f } };
 
     TestProcessor t;

@@ -1,23 +1,25 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
-// Fuzz target: arbitrary bytes as the text of a preset file, read the way a preset is loaded: parse
-// as XML, make the tree, install it in the parameter tree.
+// Fuzz target: arbitrary bytes as the text of a preset file, read the way the library reads one
+// (XML document, preset record) and loaded into the processor through the preset manager.
 #include "fuzz/FuzzedProcessor.h"
 
-#include "core/StateValues.h"
+#include "presets/Preset.h"
 
 extern "C" int LLVMFuzzerTestOneInput (const std::uint8_t* data, std::size_t size)
 {
     auto& fuzzed = FuzzedProcessor::get();
     auto& processor = fuzzed.processor();
 
+    // The manager keeps a pointer to the loaded record until the next state recall detaches it,
+    // which checkAfterInput does; so the previous record can go once the next one is made.
+    static std::unique_ptr<velkaro::Preset> record;
+
     const auto text = juce::String::fromUTF8 (reinterpret_cast<const char*> (data), (int) size);
     juce::XmlDocument document (text);
     if (const auto xml = document.getDocumentElement())
     {
-        auto tree = juce::ValueTree::fromXml (*xml);
-        removeNaNValues (tree);
-        if (tree.isValid())
-            processor.parameters.replaceState (tree);
+        record = std::make_unique<velkaro::Preset> (*xml, juce::File ("/nonexistent/fuzzed.xml"));
+        processor.presetManager.loadPreset (record.get());
     }
     fuzzed.checkAfterInput();
     return 0;

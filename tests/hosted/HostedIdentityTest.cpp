@@ -104,8 +104,6 @@ TEST_F (HostedPluginTest, ReportsNoLatencyAndNoTail)
 
 TEST_F (HostedPluginTest, OffersOneProgramNamedNoName)
 {
-    auto& instance = host->getInstance();
-    EXPECT_EQ (instance.getNumPrograms(), 1);
-    EXPECT_EQ (instance.getCurrentProgram(), 0);
-    EXPECT_EQ (instance.getProgramName (0), "no name");
+    // Hosts and the VST3 validator read the program list; an empty name there fails validation.
+    EXPECT_EQ (host->getProgramNames(), juce::StringArray ("no name"));
 }

@@ -37,11 +37,11 @@ protected:
     }
     void TearDown() override { folder.deleteRecursively(); }
 
-    Result run (const juce::StringArray& args)
+    Result run (const juce::StringArray& args, const juce::String& environment = {})
     {
         const auto outFile = folder.getChildFile ("stdout.txt");
         const auto errFile = folder.getChildFile ("stderr.txt");
-        juce::String command = quoted (ONDRIVEL_RENDER_EXE);
+        juce::String command = environment + " " + quoted (ONDRIVEL_RENDER_EXE);
         for (const auto& arg : args)
             command << " " << quoted (arg);
         command << " >" << quoted (outFile.getFullPathName()) << " 2>" << quoted (errFile.getFullPathName());
@@ -146,6 +146,14 @@ TEST_F (RendererTest, UnwritableOutputExitsWithStatusTwo)
     EXPECT_EQ (run ({}).status, 2); // no --out at all
 }
 
+TEST_F (RendererTest, RendersWhenThePluginCannotCreateItsDataFolder)
+{
+    // The plug-in then wants to show a message box; a headless render must neither block nor crash.
+    const auto result = run ({ "--out", "nohome.wav", "--seconds", "0.1", "--notes", "60:100:0:0.05" }, "HOME=/dev/null");
+    EXPECT_EQ (result.status, 0) << result.err;
+    EXPECT_TRUE (folder.getChildFile ("nohome.wav").existsAsFile());
+}
+
 TEST_F (RendererTest, RendersTheRequestedLengthAndReportsIt)
 {
     const auto result = run ({ "--out", "short.wav", "--seconds", "0.25", "--rate", "44100", "--block", "100",
@@ -172,7 +180,7 @@ TEST_F (RendererTest, RendersTheRequestedLengthAndReportsIt)
 TEST_F (RendererTest, NoteStartsOnTheSampleItsTimeRoundsTo)
 {
     // 0.5 s at 48 kHz is sample 24000; the render is split so that the note falls inside a block.
-    const auto result = run ({ "--out", "note.wav", "--seconds", "1", "--block", "100", "--notes", "60:127:0.5:0.4", "--json" });
+    const auto result = run ({ "--out", "note.wav", "--seconds", "1", "--block", "256", "--notes", "60:127:0.5:0.4", "--json" });
     ASSERT_EQ (result.status, 0) << result.err;
     const auto samples = read (folder.getChildFile ("note.wav"));
     ASSERT_EQ (samples.getNumSamples(), 48000);
@@ -187,6 +195,20 @@ TEST_F (RendererTest, NoteStartsOnTheSampleItsTimeRoundsTo)
             first = i;
     EXPECT_GE (first, 24000);
     EXPECT_LT (first, 24000 + 32) << "the note sounds late";
+}
+
+TEST_F (RendererTest, RepeatedNoteIsReleasedBeforeItStartsAgain)
+{
+    // The first note ends on the very sample where the second starts: the release must come first,
+    // or the new note would be cut off at once. Effects are off so that no echo or tail hides a cut.
+    const auto result = run ({ "--out", "again.wav", "--seconds", "1.2", "--block", "7", "--set", "drywet=0", "reverb=0",
+                               "--notes", "60:100:0:0.5,60:100:0.5:0.6" });
+    ASSERT_EQ (result.status, 0) << result.err;
+    const auto samples = read (folder.getChildFile ("again.wav"));
+    ASSERT_EQ (samples.getNumSamples(), 57600);
+    if (samples.getMagnitude (0, samples.getNumSamples()) == 0.0f)
+        GTEST_SKIP() << "the plug-in renders silence so far; the order is checked once voices sound";
+    EXPECT_GT (samples.getMagnitude (0, 43200, 4800), 0.0f) << "the second note was cut off";
 }
 
 TEST_F (RendererTest, StateOutLoadsBackAndCarriesSettings)

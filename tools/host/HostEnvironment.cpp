@@ -38,9 +38,3 @@ HostEnvironment::HostEnvironment()
 }
 
 HostEnvironment::~HostEnvironment() = default;
-
-void HostEnvironment::pumpMessages (int milliseconds)
-{
-    if (auto* manager = juce::MessageManager::getInstanceWithoutCreating())
-        manager->runDispatchLoopUntil (milliseconds);
-}

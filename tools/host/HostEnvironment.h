@@ -11,9 +11,6 @@ public:
     HostEnvironment();
     ~HostEnvironment();
 
-    // Lets queued messages run for a while (asynchronous parameter notifications and the like).
-    static void pumpMessages (int milliseconds);
-
 private:
     // Declared first: the handler must be in place before the framework may open the display.
     bool lenientXErrorsInstalled;

@@ -5,6 +5,9 @@
 #include <algorithm>
 #include <cstdio>
 
+#include <juce_audio_processors/format_types/VST3_SDK/pluginterfaces/vst/ivstcomponent.h>
+#include <juce_audio_processors/format_types/VST3_SDK/pluginterfaces/vst/ivstunits.h>
+
 namespace
 {
 // The VST3 wrapper keeps the plug-in's state as a "VST3PluginState" tree holding the component's
@@ -169,6 +172,40 @@ const juce::AudioBuffer<float>& PluginHost::renderNext (int numFrames)
     instance->processBlock (buffer, midi);
     position += numFrames;
     return buffer;
+}
+
+juce::StringArray PluginHost::getProgramNames()
+{
+    struct ComponentFinder final : juce::ExtensionsVisitor
+    {
+        void visitVST3Client (const VST3Client& client) override { component = client.getIComponentPtr(); }
+        Steinberg::Vst::IComponent* component = nullptr;
+    };
+    ComponentFinder finder;
+    instance->getExtensions (finder);
+    if (finder.component == nullptr)
+        return {};
+
+    Steinberg::Vst::IUnitInfo* unitInfo = nullptr;
+    if (finder.component->queryInterface (Steinberg::Vst::IUnitInfo::iid, (void**) &unitInfo) != Steinberg::kResultOk
+        || unitInfo == nullptr)
+        return {};
+
+    juce::StringArray names;
+    for (Steinberg::int32 list = 0; list < unitInfo->getProgramListCount(); ++list)
+    {
+        Steinberg::Vst::ProgramListInfo info {};
+        if (unitInfo->getProgramListInfo (list, info) != Steinberg::kResultOk)
+            continue;
+        for (Steinberg::int32 program = 0; program < info.programCount; ++program)
+        {
+            Steinberg::Vst::String128 name {};
+            if (unitInfo->getProgramName (info.id, program, name) == Steinberg::kResultOk)
+                names.add (juce::String (juce::CharPointer_UTF16 (reinterpret_cast<const juce::CharPointer_UTF16::CharType*> (name))));
+        }
+    }
+    unitInfo->release();
+    return names;
 }
 
 juce::MemoryBlock PluginHost::getState()

@@ -46,6 +46,10 @@ public:
     const juce::AudioBuffer<float>& renderNext (int numFrames);
     juce::int64 getPosition() const noexcept { return position; }
 
+    // The program names a VST3 host's program menu lists (the plug-in's unit info). The framework's
+    // own program calls see none when a plug-in has a single program.
+    juce::StringArray getProgramNames();
+
     // The block the plug-in's getStateInformation wrote, without what the VST3 wrapper appends.
     juce::MemoryBlock getState();
     // Hands a state block to the plug-in the way a host restores a project.

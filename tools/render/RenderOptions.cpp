@@ -52,30 +52,30 @@ juce::String validIds()
     return ids.joinIntoString (", ");
 }
 
-bool parseNote (const juce::String& spec, RenderOptions::Note& note, juce::String& error)
+bool parseNote (const juce::String& noteText, RenderOptions::Note& note, juce::String& error)
 {
-    error = "malformed note '" + spec + "' (expected NOTE:VEL:START:DUR, for example 60:100:0:1.5)";
-    const auto fields = juce::StringArray::fromTokens (spec, ":", {});
+    error = "malformed note '" + noteText + "' (expected NOTE:VEL:START:DUR, for example 60:100:0:1.5)";
+    const auto fields = juce::StringArray::fromTokens (noteText, ":", {});
     if (fields.size() != 4)
         return false;
     if (! parseInteger (fields[0], note.noteNumber) || note.noteNumber < 0 || note.noteNumber > 127)
     {
-        error = "malformed note '" + spec + "': the note number must be 0 to 127";
+        error = "malformed note '" + noteText + "': the note number must be 0 to 127";
         return false;
     }
     if (! parseInteger (fields[1], note.velocity) || note.velocity < 1 || note.velocity > 127)
     {
-        error = "malformed note '" + spec + "': the velocity must be 1 to 127";
+        error = "malformed note '" + noteText + "': the velocity must be 1 to 127";
         return false;
     }
     if (! parseNumber (fields[2], note.startSeconds) || note.startSeconds < 0.0)
     {
-        error = "malformed note '" + spec + "': the start must be a time in seconds, 0 or later";
+        error = "malformed note '" + noteText + "': the start must be a time in seconds, 0 or later";
         return false;
     }
     if (! parseNumber (fields[3], note.durationSeconds) || note.durationSeconds <= 0.0)
     {
-        error = "malformed note '" + spec + "': the duration must be a time in seconds above 0";
+        error = "malformed note '" + noteText + "': the duration must be a time in seconds above 0";
         return false;
     }
     return true;
@@ -207,11 +207,11 @@ bool RenderOptions::parse (const juce::StringArray& args, const juce::File& work
         else if (option == "--notes")
         {
             hasNotes = true;
-            const auto specs = juce::StringArray::fromTokens (value, ",", {});
-            for (const auto& spec : specs)
+            const auto noteTexts = juce::StringArray::fromTokens (value, ",", {});
+            for (const auto& noteText : noteTexts)
             {
                 Note note {};
-                if (! parseNote (spec.trim(), note, error))
+                if (! parseNote (noteText.trim(), note, error))
                     return false;
                 options.notes.push_back (note);
             }

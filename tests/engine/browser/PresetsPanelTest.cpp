@@ -1,0 +1,164 @@
+// SPDX-License-Identifier: AGPL-3.0-or-later
+// The browser's table collects edits of many presets and writes them all at once; each file stays a
+// whole preset, and a refused name never becomes an edit.
+#include "BrowserFixture.h"
+
+#include "presets/FilterTreeItem.h"
+#include "presets/PresetColours.h"
+
+using Column = velkaro::PresetsMetadataTable::ColumnIds;
+
+TEST_F (BrowserFixture, BulkEditOfTypeAndAuthorLeavesEveryFileWhole)
+{
+    const char* names[] = { "Alpha", "Bravo", "Charlie", "Delta", "Echo" };
+    std::vector<juce::File> files;
+    for (int i = 0; i < 5; ++i)
+        files.push_back (writePreset (juce::String (i) + ".xml", names[i], "Pad", "Ann", { { "volume", 0.1f * (float) (i + 1) } }));
+
+    openEditor();
+    click (toolbar().nameButton);
+    auto& table = browser().table;
+    ASSERT_EQ (table.getNumRows(), 5);
+
+    for (const int row : { 0, 1, 2 })
+        editCell (row, Column::typeColumn, "Keys");
+    for (const int row : { 2, 3, 4 })
+        editCell (row, Column::authorColumn, "  Zed ");
+    EXPECT_EQ (table.getCellText (2, Column::authorColumn), "Zed");
+    EXPECT_TRUE (table.hasPendingText (0, Column::typeColumn));
+    EXPECT_FALSE (table.hasPendingText (3, Column::typeColumn));
+    EXPECT_TRUE (browser().unsavedLabel.isVisible());
+    EXPECT_EQ (browser().unsavedLabel.getText(), "<<< Unsaved changes will be lost");
+    EXPECT_TRUE (browser().saveChangesButton.isEnabled());
+
+    // Filtering and closing the browser keep the pending edits.
+    auto& types = *browser().filterTree.root->getSubItem (0);
+    types.getSubItem (0)->setSelected (true, true);
+    EXPECT_EQ (table.getNumRows(), 5);
+    click (browser().closeButton);
+    click (toolbar().nameButton);
+    EXPECT_EQ (table.edits.size(), 5u);
+
+    click (browser().saveChangesButton);
+
+    EXPECT_TRUE (table.edits.empty());
+    EXPECT_FALSE (browser().saveChangesButton.isEnabled());
+    EXPECT_FALSE (browser().unsavedLabel.isVisible());
+    EXPECT_FALSE (manager().hasActiveFilter()) << "the whole library shows again";
+    EXPECT_EQ (table.getNumRows(), 5);
+    EXPECT_EQ (library().findChildFiles (juce::File::findFiles, true, "*").size(), 5) << "no temporary file is left";
+
+    for (int i = 0; i < 5; ++i)
+    {
+        SCOPED_TRACE (names[i]);
+        const auto xml = juce::XmlDocument::parse (files[(size_t) i]);
+        ASSERT_NE (xml, nullptr);
+        const auto* program = xml->getChildElement (0);
+        EXPECT_EQ (program->getTagName(), "PROGRAM");
+        EXPECT_EQ (program->getStringAttribute ("NAME"), names[i]);
+        EXPECT_EQ (program->getStringAttribute ("TYPE"), i <= 2 ? "Keys" : "Pad");
+        EXPECT_EQ (program->getStringAttribute ("AUTHOR"), i >= 2 ? "Zed" : "Ann");
+        EXPECT_EQ (xml->getChildByName ("NOTES")->getStringAttribute ("TEXT"), juce::String ("notes of ") + names[i]);
+        int params = 0;
+        for (auto* param : xml->getChildWithTagNameIterator ("PARAM"))
+        {
+            ++params;
+            if (param->getStringAttribute ("id") == "volume")
+                EXPECT_NEAR (param->getDoubleAttribute ("value"), 0.1 * (i + 1), 1e-6);
+        }
+        EXPECT_EQ (params, numParameters);
+    }
+    EXPECT_EQ (manager().types, (std::set<juce::String> { "Keys", "Pad" }));
+    EXPECT_EQ (manager().authors, (std::set<juce::String> { "Ann", "Zed" }));
+    EXPECT_EQ (browser().filterTree.root->getSubItem (1)->getNumSubItems(), 2);
+}
+
+TEST_F (BrowserFixture, TableRefusesATakenNameWithItsMessage)
+{
+    writePreset ("a.xml", "Alpha", "", "");
+    writePreset ("b.xml", "Bravo", "", "");
+    openEditor();
+    click (toolbar().nameButton);
+    auto& table = browser().table;
+    EXPECT_EQ (browser().filterTree.root->getSubItem (1)->getNumSubItems(), 1);
+    EXPECT_EQ (dynamic_cast<velkaro::FilterTreeItem*> (browser().filterTree.root->getSubItem (1)->getSubItem (0))->text,
+               juce::String (juce::CharPointer_UTF8 ("\xc2\xab None \xc2\xbb")));
+
+    struct Case { int column; const char* typed; bool refused; };
+    const Case cases[] = {
+        { Column::nameColumn, "Bravo", true },
+        { Column::nameColumn, "Alpha", true }, // its own name
+        { Column::nameColumn, "alpha", false },
+        { Column::notesColumn, "Bravo", false }, // notes may say anything
+    };
+    for (const auto& c : cases)
+    {
+        SCOPED_TRACE (c.typed);
+        table.edits.clear();
+        editCell (0, c.column, c.typed);
+        EXPECT_EQ (table.message.isVisible(), c.refused);
+        EXPECT_EQ (table.message.getText(), "Another preset already has this name");
+        EXPECT_EQ (table.editor.isBeingEdited(), c.refused) << "a refused text stays on show";
+        EXPECT_EQ (table.edits.empty(), c.refused);
+        if (c.refused)
+        {
+            EXPECT_TRUE (table.editor.isTimerRunning());
+            table.editor.timerCallback();
+            EXPECT_FALSE (table.editor.isBeingEdited());
+            EXPECT_FALSE (table.message.isVisible());
+            EXPECT_TRUE (table.edits.empty()) << "the refused text is thrown away";
+        }
+        else
+        {
+            EXPECT_EQ (table.getCellText (0, c.column), c.typed);
+        }
+    }
+}
+
+TEST_F (BrowserFixture, SnapshotOfTheOpenPresetsPanel)
+{
+    writePreset ("01 Glass Bells.xml", "Glass Bells", "Keys", "Ann", { { "volume", 0.7f } });
+    writePreset ("02 Night Drone.xml", "Night Drone", "Pad", "Bob");
+    writePreset ("03 Rubber Bass.xml", "Rubber Bass", "Bass", "Ann");
+    writePreset ("04 Tin Choir.xml", "Tin Choir", "Pad", "");
+    writePreset ("05 Soft Reed.xml", "Soft Reed", "Lead", "Cyd");
+    openEditor();
+    click (toolbar().nameButton);
+    click (toolbar().nextButton);
+    editCell (3, Column::authorColumn, "Dee");
+    juce::Desktop::getInstance().getAnimator().cancelAllAnimations (true);
+
+    auto& p = panel();
+    const auto image = p.createComponentSnapshot (p.getLocalBounds(), true, 2.0f);
+    ASSERT_TRUE (image.isValid());
+
+    // The strip along the top has the browser's edge colour, and the toolbar stays below the browser.
+    const auto edge = browser().findColour (velkaro::presetPanelEdgeColourId);
+    EXPECT_EQ (image.getPixelAt (400, 1).toDisplayString (false), edge.toDisplayString (false));
+    EXPECT_EQ (browser().getBottom(), toolbar().getY());
+
+    const auto out = juce::File (previousHome).getChildFile ("presets-panel.png");
+    out.deleteFile();
+    juce::FileOutputStream stream (out);
+    ASSERT_TRUE (stream.openedOk());
+    EXPECT_TRUE (juce::PNGImageFormat().writeImageToStream (image, stream));
+}
+
+TEST_F (BrowserFixture, SnapshotOfTheProgramPanelOverThePanel)
+{
+    writePreset ("01 Glass Bells.xml", "Glass Bells", "Keys", "Ann");
+    openEditor();
+    manager().selectPreset (0);
+    click (toolbar().saveButton);
+    enterText (*programPanel().nameProperty, "Glass Bells, soft");
+    juce::Desktop::getInstance().getAnimator().cancelAllAnimations (true);
+
+    auto& p = panel();
+    EXPECT_EQ (programPanel().getBounds(), p.getLocalBounds()) << "the program panel covers the whole window";
+    const auto image = p.createComponentSnapshot (p.getLocalBounds(), true, 1.0f);
+    const auto out = juce::File (previousHome).getChildFile ("program-panel.png");
+    out.deleteFile();
+    juce::FileOutputStream stream (out);
+    ASSERT_TRUE (stream.openedOk());
+    EXPECT_TRUE (juce::PNGImageFormat().writeImageToStream (image, stream));
+}

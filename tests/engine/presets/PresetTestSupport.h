@@ -1,0 +1,86 @@
+// SPDX-License-Identifier: AGPL-3.0-or-later
+// A throw-away home folder for preset tests, and small helpers to write preset files into it.
+#pragma once
+
+#include <cstdlib>
+
+#include <juce_core/juce_core.h>
+
+#include "core/ParameterTable.h"
+#include "presets/Preset.h"
+#include "presets/PresetManager.h"
+
+// Points HOME at a fresh temporary folder, so the music folder and the library live there.
+struct ScopedTempHome
+{
+    ScopedTempHome()
+    {
+        if (const char* old = std::getenv ("HOME"))
+            previous = old;
+        folder = juce::File::getSpecialLocation (juce::File::tempDirectory).getNonexistentChildFile ("ondrivel-home-" + juce::String (juce::Random::getSystemRandom().nextInt64()), {}, false);
+        folder.createDirectory();
+        setenv ("HOME", folder.getFullPathName().toRawUTF8(), 1);
+    }
+
+    ~ScopedTempHome()
+    {
+        if (previous.isNotEmpty())
+            setenv ("HOME", previous.toRawUTF8(), 1);
+        folder.deleteRecursively();
+    }
+
+    juce::File library() const { return velkaro::PresetManager::presetFolder(); }
+
+    juce::File folder;
+    juce::String previous;
+};
+
+// A preset document with all 30 parameters at their defaults, or at `values` where given.
+inline std::unique_ptr<juce::XmlElement> makePresetXml (const juce::String& name, const juce::String& type,
+                                                        const juce::String& author,
+                                                        const std::map<juce::String, juce::String>& values = {})
+{
+    auto xml = std::make_unique<juce::XmlElement> ("ondrivel");
+    auto* program = xml->createNewChildElement ("PROGRAM");
+    program->setAttribute ("NAME", name);
+    program->setAttribute ("TYPE", type);
+    program->setAttribute ("AUTHOR", author);
+    for (const auto& row : parameterTable)
+    {
+        auto* param = xml->createNewChildElement ("PARAM");
+        param->setAttribute ("id", row.id);
+        const auto found = values.find (row.id);
+        param->setAttribute ("value", found != values.end() ? found->second : juce::String (row.defaultValue));
+    }
+    xml->createNewChildElement ("NOTES")->setAttribute ("TEXT", "notes of " + name);
+    return xml;
+}
+
+inline juce::File writePresetFile (const juce::File& file, const juce::String& name, const juce::String& type = {},
+                                   const juce::String& author = {}, const std::map<juce::String, juce::String>& values = {})
+{
+    file.getParentDirectory().createDirectory();
+    makePresetXml (name, type, author, values)->writeTo (file, velkaro::Preset::fileFormat());
+    return file;
+}
+
+inline std::vector<juce::String> namesOf (const std::vector<velkaro::Preset*>& presets)
+{
+    std::vector<juce::String> result;
+    for (const auto* p : presets)
+        result.push_back (p->name);
+    return result;
+}
+
+// Every file below `folder` with its bytes, to prove what a scan did or did not write.
+inline std::map<juce::String, juce::MemoryBlock> snapshotFiles (const juce::File& folder)
+{
+    std::map<juce::String, juce::MemoryBlock> result;
+    for (const auto& f : folder.findChildFiles (juce::File::findFiles, true, "*", juce::File::FollowSymlinks::noCycles))
+    {
+        juce::MemoryBlock data;
+        f.loadFileAsData (data);
+        result[f.getRelativePathFrom (folder)] = data;
+    }
+    return result;
+}

@@ -1,0 +1,130 @@
+// SPDX-License-Identifier: AGPL-3.0-or-later
+// Envelope timing and velocity, observed on the rendered note and on the voices' own state.
+#include <gtest/gtest.h>
+
+#include "VoiceTestRig.h"
+
+TEST (VoiceEnvelope, ZeroAttackStillRampsOverOnePointFourMilliseconds)
+{
+    // Within one block the attack is a straight line lasting the rate times 1.4 ms.
+    for (const double rate : { 22050.0, 44100.0, 48000.0, 192000.0 })
+    {
+        const double expected = rate * 0.0014;
+        for (const int length : { (int) (expected * 0.98), (int) expected + 1 })
+        {
+            VoiceTestRig rig (rate, 1);
+            rig.noteOn (69);
+            rig.render (length, length);
+            EXPECT_EQ (rig.voice (0)->getEnvelopeState() == 0, length < expected) << rate << " after " << length;
+        }
+    }
+}
+
+TEST (VoiceEnvelope, RestartFromSustainBendsWithShortBlocksAndIsLinearWithLongOnes)
+{
+    // One voice, so the repeated key steals itself and rises from the held level of 0.7 to the peak.
+    struct Case { int blockSize; double expectedSeconds; };
+    const Case cases[] = { { 1, 3.44 }, { 65536, 0.97 } };
+    for (const auto& c : cases)
+    {
+        VoiceTestRig rig (48000.0, 1);
+        rig.set (ParameterIndex::sustain, 0.7f);
+        rig.noteOn (69);
+        rig.render (4800);
+        ASSERT_NEAR (rig.voice (0)->getEnvelopeLevel(), 0.7f, 1e-6f);
+
+        rig.set (ParameterIndex::attack, 1.0f);
+        rig.noteOn (69);
+        const auto start = rig.render (48000 * 4, c.blockSize);
+        size_t loudest = start;
+        for (size_t i = start; i < rig.left.size(); ++i)
+            if (std::abs (rig.left[i]) > std::abs (rig.left[loudest]))
+                loudest = i;
+        EXPECT_NEAR ((double) (loudest - start) / 48000.0, c.expectedSeconds, 0.03) << c.blockSize;
+    }
+}
+
+TEST (VoiceEnvelope, DecayAndReleaseFallThirtyDecibelsInTheirTime)
+{
+    // The ratio scheme: the level falls by (1 + 0.032) / 0.032, about 30.2 dB, over the set time.
+    struct Case { float decay; float release; };
+    for (const auto& c : { Case { 0.5f, 0.0f }, Case { 0.0f, 0.5f }, Case { 0.0f, 1.0f } })
+    {
+        VoiceTestRig rig (48000.0, 1);
+        rig.set (ParameterIndex::decay, c.decay);
+        rig.set (ParameterIndex::sustain, c.decay > 0.0f ? 0.0f : 1.0f);
+        rig.set (ParameterIndex::release, c.release);
+        rig.noteOn (69);
+        rig.render (4800);
+        if (c.release > 0.0f)
+            rig.noteOff (69);
+        const float stage = c.decay + c.release;
+        const auto start = rig.render ((int) rig.seconds (stage + 0.1));
+        const double before = listen::rms (rig.left, start + rig.seconds (0.01), 1200);
+        const double after = listen::rms (rig.left, start + rig.seconds (0.01 + stage), 1200);
+        EXPECT_NEAR (20.0 * std::log10 (before / after), 20.0 * std::log10 (1.032 / 0.032), 0.5) << stage;
+    }
+}
+
+TEST (VoiceEnvelope, ReleaseOfZeroEndsTheNoteAtOnce)
+{
+    VoiceTestRig rig;
+    rig.noteOn (60);
+    rig.render (2000);
+    ASSERT_EQ (rig.activeVoices(), 1);
+
+    rig.noteOff (60);
+    rig.render (2, 2);
+    EXPECT_EQ (rig.activeVoices(), 0);
+    // A release still happens when the host asks for no tail-off.
+    rig.noteOn (62);
+    rig.set (ParameterIndex::release, 1.0f);
+    rig.render (2000);
+    rig.synth.allNotesOff (0, false);
+    rig.render (256);
+    EXPECT_EQ (rig.activeVoices(), 1);
+}
+
+TEST (VoiceEnvelope, SustainUnderOneThousandthActsAsZero)
+{
+    struct Case { float sustain; bool stillSounding; };
+    for (const auto& c : { Case { 0.0f, false }, Case { 0.0009f, false }, Case { 0.002f, true }, Case { 0.5f, true } })
+    {
+        VoiceTestRig rig;
+        rig.set (ParameterIndex::decay, 0.1f);
+        rig.set (ParameterIndex::sustain, c.sustain);
+        rig.noteOn (60);
+        rig.render ((int) rig.seconds (1.0));
+        EXPECT_EQ (rig.activeVoices() == 1, c.stillSounding) << c.sustain;
+    }
+}
+
+TEST (VoiceEnvelope, SustainLevelFollowsTheControlWhileHeld)
+{
+    VoiceTestRig rig (48000.0, 1);
+    rig.noteOn (69);
+    const auto a = rig.render (9600);
+    rig.set (ParameterIndex::sustain, 0.25f);
+    const auto b = rig.render (9600);
+    EXPECT_NEAR (listen::rms (rig.left, b + 4800, 4800) / listen::rms (rig.left, a + 4800, 4800), 0.25, 0.005);
+}
+
+TEST (VoiceEnvelope, VelocityCurveSetsTheLevel)
+{
+    // Gains ((q + 4) / 127)^2 with q the rounded 128 sqrt (velocity), capped at 123.
+    struct Case { float velocity; double gain; };
+    const Case cases[] = { { 1.0f, 1.0 }, { 0.5f, std::pow (95.0 / 127.0, 2.0) }, { 0.25f, std::pow (68.0 / 127.0, 2.0) },
+                           { 0.95f, 1.0 }, { 0.9f, std::pow (125.0 / 127.0, 2.0) },
+                           { 1.0f / 127.0f, std::pow (15.0 / 127.0, 2.0) } };
+    double reference = -1.0;
+    for (const auto& c : cases)
+    {
+        VoiceTestRig rig;
+        rig.synth.noteOn (1, 69, c.velocity);
+        const auto start = rig.render (9600);
+        const double level = listen::rms (rig.left, start + 4800, 4800);
+        if (reference < 0.0)
+            reference = level;
+        EXPECT_NEAR (level / reference, c.gain, c.gain * 1e-3) << c.velocity;
+    }
+}

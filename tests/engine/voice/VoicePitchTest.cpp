@@ -1,0 +1,134 @@
+// SPDX-License-Identifier: AGPL-3.0-or-later
+// Pitch as a listener hears it: note frequency, bend range, the ratio switch and low sample rates.
+#include <gtest/gtest.h>
+
+#include "VoiceTestRig.h"
+
+namespace
+{
+double noteHz (int note) { return 440.0 * std::pow (2.0, (note - 69) / 12.0); }
+} // namespace
+
+TEST (VoicePitch, PlainNoteSoundsAtItsFrequency)
+{
+    struct Case { double rate; int note; double expectedHz; };
+    // Below 16 kHz the oscillators are rate-limited, so notes play flat by rate / 16000.
+    const Case cases[] = {
+        { 48000.0, 69, 440.0 }, { 48000.0, 60, noteHz (60) }, { 44100.0, 33, noteHz (33) },
+        { 96000.0, 96, noteHz (96) }, { 22050.0, 81, noteHz (81) }, { 192000.0, 45, noteHz (45) },
+        { 12000.0, 69, 440.0 * 12000.0 / 16000.0 },
+    };
+    for (const auto& c : cases)
+    {
+        VoiceTestRig rig (c.rate);
+        rig.noteOn (c.note);
+        rig.render ((int) rig.seconds (1.5));
+        const auto start = rig.seconds (0.5);
+        EXPECT_NEAR (listen::frequency (rig.left, start, rig.seconds (1.0), c.rate), c.expectedHz, c.expectedHz * 2e-4)
+            << "note " << c.note << " at " << c.rate;
+        // With no modulation depth the tone is the plain polynomial sine.
+        EXPECT_LT (listen::impurity (rig.left, start, rig.seconds (0.2), c.expectedHz, c.rate), 1e-3) << c.rate;
+    }
+}
+
+TEST (VoicePitch, WheelBendsTwoSemitonesEachWayAndCentreRestores)
+{
+    struct Case { int wheel; double semitones; };
+    const Case cases[] = { { 0, -2.0000407 }, { 16383, 2.0000326 }, { 12288, 0.9998 }, { 8192, 0.0 } };
+    for (const auto& c : cases)
+    {
+        VoiceTestRig rig;
+        rig.noteOn (69);
+        rig.render (4800);
+        rig.pitchWheel (c.wheel);
+        const auto start = rig.render ((int) rig.seconds (1.2));
+        const double expected = 440.0 * std::pow (2.0, c.semitones / 12.0);
+        EXPECT_NEAR (listen::frequency (rig.left, start + rig.seconds (0.2), rig.seconds (1.0), 48000.0), expected, 0.1)
+            << "wheel " << c.wheel;
+    }
+}
+
+TEST (VoicePitch, EachRatioPositionPutsTheModulatorSidebandWhereExpected)
+{
+    // Exponents in semitones of the modulator against the carrier; two positions also drop the carrier.
+    struct Case { float position; double exponent; int carrierOffset; };
+    const Case cases[] = {
+        { -24.0f, -24.0, 0 }, { -20.0f, -19.0, -5 }, { -16.0f, -16.9, 0 }, { -12.0f, -12.0, 0 },
+        { -8.0f, -7.01955, -5 }, { -4.0f, -4.98, 0 }, { 0.0f, 0.0, 0 }, { 4.0f, 3.95, 0 },
+        { 8.0f, 7.01955, 0 }, { 12.0f, 12.0, 0 }, { 16.0f, 15.86, 0 }, { 20.0f, 19.0, 0 }, { 24.0f, 24.0, 0 },
+    };
+    constexpr int order = 16;
+    for (const auto& c : cases)
+    {
+        VoiceTestRig rig;
+        rig.set (ParameterIndex::pitch, c.position);
+        rig.set (ParameterIndex::timbre, 1.0f);
+        rig.noteOn (69);
+        rig.render ((1 << order) + 4800);
+        const auto magnitudes = listen::spectrum (rig.left, 4800, order);
+        const double binHz = 48000.0 / (1 << order);
+
+        const double carrier = 440.0 * std::pow (2.0, c.carrierOffset / 12.0);
+        const double modulator = carrier * std::pow (2.0, c.exponent / 12.0);
+        EXPECT_NEAR (listen::peakNear (magnitudes, carrier, 0.02, binHz), carrier, 0.3) << c.position;
+        EXPECT_NEAR (listen::peakNear (magnitudes, carrier + modulator, 0.01, binHz), carrier + modulator, 0.3)
+            << "position " << c.position;
+    }
+}
+
+TEST (VoicePitch, RatioSwitchOctaveDropReachesOnlyNewNotes)
+{
+    // The sounding note keeps its pitch when the switch moves to a dropping position...
+    VoiceTestRig held;
+    held.noteOn (69);
+    held.render (4800);
+    held.set (ParameterIndex::pitch, -8.0f);
+    const auto heldStart = held.render ((int) held.seconds (1.0));
+    EXPECT_NEAR (listen::frequency (held.left, heldStart + 4800, held.seconds (0.8), 48000.0), 440.0, 0.1);
+
+    // ...and the next note sounds a fourth under its key.
+    held.noteOff (69);
+    held.noteOn (69);
+    const auto nextStart = held.render ((int) held.seconds (1.0));
+    EXPECT_NEAR (listen::frequency (held.left, nextStart + 4800, held.seconds (0.8), 48000.0), noteHz (64), 0.1);
+}
+
+TEST (VoicePitch, VibratoSwaysAtFiveHertzAndSlowsBelowThirtyTwoKilohertz)
+{
+    struct Case { double rate; double expectedHz; };
+    const Case cases[] = { { 48000.0, 5.0 }, { 96000.0, 5.0 }, { 22050.0, 5.0 * 22050.0 / 32000.0 } };
+    for (const auto& c : cases)
+    {
+        VoiceTestRig rig (c.rate);
+        rig.set (ParameterIndex::vibrato, 1.0f);
+        rig.noteOn (81);
+        rig.render ((int) rig.seconds (4.0));
+
+        // Period of each cycle, then count how often that period crosses its mean going up.
+        std::vector<double> periods;
+        double previous = -1.0;
+        for (size_t i = rig.seconds (1.0); i < rig.left.size(); ++i)
+            if (rig.left[i - 1] < 0.0f && rig.left[i] >= 0.0f)
+            {
+                const double t = (double) (i - 1) + (double) rig.left[i - 1] / ((double) rig.left[i - 1] - (double) rig.left[i]);
+                if (previous >= 0.0)
+                    periods.push_back (t - previous);
+                previous = t;
+            }
+        double mean = 0.0;
+        for (auto p : periods)
+            mean += p;
+        mean /= (double) periods.size();
+        double minimum = mean, maximum = mean;
+        int swings = 0;
+        for (size_t i = 1; i < periods.size(); ++i)
+        {
+            minimum = std::min (minimum, periods[i]);
+            maximum = std::max (maximum, periods[i]);
+            swings += (periods[i - 1] < mean && periods[i] >= mean) ? 1 : 0;
+        }
+        EXPECT_NEAR (swings / 3.0, c.expectedHz, 0.7) << c.rate;
+        // Full depth moves the pitch by several percent.
+        EXPECT_GT ((maximum - minimum) / mean, 0.05) << c.rate;
+    }
+}
