@@ -284,10 +284,11 @@ void PresetManager::loadPreset (const Preset* preset)
 
 void PresetManager::replaceNonFiniteValues (juce::AudioProcessorValueTreeState& stateToUse, juce::ValueTree& newState)
 {
-    static const juce::Identifier paramType { "PARAM" }, idProperty { "id" }, valueProperty { "value" };
+    // The parameter tree takes a child of any type by its "id", so every child is checked.
+    static const juce::Identifier idProperty { "id" }, valueProperty { "value" };
     for (auto child : newState)
     {
-        if (! child.hasType (paramType) || ! child.hasProperty (valueProperty))
+        if (! child.hasProperty (valueProperty))
             continue;
         if (std::isfinite ((float) child.getProperty (valueProperty)))
             continue;

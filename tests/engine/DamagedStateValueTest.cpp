@@ -9,10 +9,10 @@
 
 namespace
 {
-juce::MemoryBlock stateWithVolume (const juce::String& text)
+juce::MemoryBlock stateWithVolume (const juce::String& text, const char* childType = "PARAM")
 {
     juce::XmlElement root ("ondrivel");
-    auto* param = root.createNewChildElement ("PARAM");
+    auto* param = root.createNewChildElement (childType);
     param->setAttribute ("id", "volume");
     param->setAttribute ("value", text);
     juce::MemoryBlock block;
@@ -51,4 +51,15 @@ TEST (DamagedState, ValuesThatAreNotNumbersNeverReachTheAudio)
             for (int i = 0; i < 256; ++i)
                 ASSERT_TRUE (std::isfinite (buffer.getSample (ch, i))) << '"' << c.text << '"';
     }
+}
+
+TEST (DamagedState, NaNUnderAChildOfAnotherTypeStillFallsBackToTheDefault)
+{
+    // The parameter tree matches children by "id" whatever their type.
+    TestProcessor t;
+    auto& p = *t.processor;
+    p.parameters.getParameter ("volume")->setValueNotifyingHost (0.5f);
+    const auto block = stateWithVolume ("nan", "SOMETHING");
+    p.setStateInformation (block.getData(), (int) block.getSize());
+    EXPECT_EQ (p.getParameterValue (ParameterIndex::volume), 1.0f);
 }
