@@ -39,7 +39,7 @@ add_custom_command(TARGET ondrivel_VST3 POST_BUILD
 add_executable(ondrivel-art EXCLUDE_FROM_ALL ${CMAKE_SOURCE_DIR}/tools/art/ArtGenerator.cpp ${CMAKE_SOURCE_DIR}/tools/art/PanelArt.cpp)
 target_include_directories(ondrivel-art PRIVATE ${CMAKE_SOURCE_DIR})
 target_compile_definitions(ondrivel-art PRIVATE JUCE_USE_CURL=0 JUCE_WEB_BROWSER=0 JUCE_STANDALONE_APPLICATION=1)
-target_link_libraries(ondrivel-art PRIVATE juce::juce_graphics juce::juce_recommended_config_flags juce::pkgconfig_JUCE_IMG_LINUX_DEPS)
+target_link_libraries(ondrivel-art PRIVATE juce::juce_graphics juce::pkgconfig_JUCE_IMG_LINUX_DEPS)
 
 # Writes PNG snapshots of the editor without a screen, for looking at the panel.
 add_executable(ondrivel-snapshot EXCLUDE_FROM_ALL ${CMAKE_SOURCE_DIR}/tools/snapshot/Snapshot.cpp)

@@ -30,8 +30,7 @@ target_compile_definitions(ondrivel_host PUBLIC
   ONDRIVEL_DEFAULT_BUNDLE="${ONDRIVEL_BUNDLE}")
 target_link_libraries(ondrivel_host
   PRIVATE
-    juce::juce_audio_utils
-    juce::juce_recommended_config_flags)
+    juce::juce_audio_utils)
 # JUCE adds the system image libraries only to its own plug-in and app targets.
 if(TARGET juce::pkgconfig_JUCE_IMG_LINUX_DEPS)
   target_link_libraries(ondrivel_host PRIVATE juce::pkgconfig_JUCE_IMG_LINUX_DEPS)

@@ -40,7 +40,7 @@ target_link_libraries(ondrivel
     juce::juce_audio_utils
     juce::juce_dsp
   PUBLIC
-    juce::juce_recommended_config_flags
     juce::juce_recommended_warning_flags)
+# The framework's recommended config flags would add -O3 after our -O2; the optimisation level is ours.
 
 set(ONDRIVEL_BUNDLE "${CMAKE_BINARY_DIR}/ondrivel_artefacts/${CMAKE_BUILD_TYPE}/VST3/ondrivel.vst3")
