@@ -5,6 +5,8 @@ JOBS ?= $(shell nproc)
 VST3_DIR ?= $(HOME)/.vst3
 BUNDLE = $(BUILD)/ondrivel_artefacts/Release/VST3/ondrivel.vst3
 CMAKE_FLAGS ?=
+# Hosted editor tests open real windows: give them a virtual display where there is none.
+WITH_DISPLAY = $(if $(DISPLAY),,$(if $(shell command -v xvfb-run),xvfb-run -a,))
 # Lets ccache reuse objects between clones of the tree.
 export CCACHE_BASEDIR := $(CURDIR)
 
@@ -33,7 +35,7 @@ demo: install
 
 test: configure
 	@cmake --build $(BUILD) -j $(JOBS)
-	@cd $(BUILD) && ctest --output-on-failure -j $(JOBS)
+	@cd $(BUILD) && $(WITH_DISPLAY) ctest --output-on-failure -j $(JOBS)
 	@$(MAKE) --no-print-directory test-sanitize
 
 # The engine tests, the stress suite and the fuzz drivers again, built with AddressSanitizer and
