@@ -36,7 +36,6 @@ demo: install
 test: configure
 	@cmake --build $(BUILD) -j $(JOBS)
 	@cd $(BUILD) && $(WITH_DISPLAY) ctest --output-on-failure -j $(JOBS)
-	@$(MAKE) --no-print-directory test-sanitize
 
 # The engine tests, the stress suite and the fuzz drivers again, built with AddressSanitizer and
 # UndefinedBehaviorSanitizer in a build of their own; any report fails the run.
