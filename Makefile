@@ -36,28 +36,30 @@ demo: install
 test: configure
 	@cmake --build $(BUILD) -j $(JOBS)
 	@cd $(BUILD) && $(WITH_DISPLAY) ctest --output-on-failure -j $(JOBS)
+	@$(MAKE) --no-print-directory test-sanitize
 
-# The engine tests, the stress suite and the fuzz drivers again, built with AddressSanitizer and
-# UndefinedBehaviorSanitizer in a build of their own; any report fails the run.
+# The engine tests (stress suite included) and the fuzz targets again, built with clang,
+# AddressSanitizer and UndefinedBehaviorSanitizer in a build of their own; any report fails the run.
+# The fuzz targets link libFuzzer and run a fixed number of inputs from a fixed seed.
 SANITIZE_BUILD ?= $(BUILD)-sanitize
 SANITIZE_ENV = ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1:detect_stack_use_after_return=1 \
   LSAN_OPTIONS=suppressions=$(CURDIR)/tests/sanitize/lsan.supp:print_suppressions=0 \
   UBSAN_OPTIONS=halt_on_error=1:print_stacktrace=1:suppressions=$(CURDIR)/tests/sanitize/ubsan.supp
+SANITIZE_FLAGS = -DCMAKE_BUILD_TYPE=Release -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ \
+  -DONDRIVEL_SANITIZE=ON -DONDRIVEL_LIBFUZZER=ON -DONDRIVEL_BENCH=OFF
 test-sanitize: setup
-	@cmake -S . -B $(SANITIZE_BUILD) -DCMAKE_BUILD_TYPE=Release -DONDRIVEL_SANITIZE=ON -DONDRIVEL_BENCH=OFF $(CMAKE_FLAGS) >/dev/null
+	@cmake -S . -B $(SANITIZE_BUILD) $(SANITIZE_FLAGS) $(CMAKE_FLAGS) >/dev/null
 	@cmake --build $(SANITIZE_BUILD) -j $(JOBS) --target ondrivel_engine_tests ondrivel_fuzz_targets
 	@cd $(SANITIZE_BUILD) && $(SANITIZE_ENV) ctest --output-on-failure -j $(JOBS) -L 'engine|fuzz'
 
-# libFuzzer proper (clang): the same fuzz targets, coverage-guided, for as long as FUZZ_SECONDS.
-FUZZ_BUILD ?= $(BUILD)-fuzz
+# libFuzzer for as long as FUZZ_SECONDS per target, in the sanitized build.
 FUZZ_SECONDS ?= 60
 fuzz: setup
-	@cmake -S . -B $(FUZZ_BUILD) -DCMAKE_BUILD_TYPE=Release -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ \
-	  -DONDRIVEL_SANITIZE=ON -DONDRIVEL_LIBFUZZER=ON -DONDRIVEL_BENCH=OFF -DONDRIVEL_TESTS=ON $(CMAKE_FLAGS) >/dev/null
-	@cmake --build $(FUZZ_BUILD) -j $(JOBS) --target ondrivel_fuzz_targets
-	@for t in state preset; do mkdir -p $(FUZZ_BUILD)/fuzz-$$t; \
-	  $(SANITIZE_ENV) $(FUZZ_BUILD)/tests/fuzz/ondrivel_fuzz_$$t -max_total_time=$(FUZZ_SECONDS) \
-	    $(FUZZ_BUILD)/fuzz-$$t tests/fuzz/corpus/$$t || exit 1; done
+	@cmake -S . -B $(SANITIZE_BUILD) $(SANITIZE_FLAGS) $(CMAKE_FLAGS) >/dev/null
+	@cmake --build $(SANITIZE_BUILD) -j $(JOBS) --target ondrivel_fuzz_targets
+	@for t in state preset; do mkdir -p $(SANITIZE_BUILD)/fuzz-$$t; \
+	  $(SANITIZE_ENV) $(SANITIZE_BUILD)/tests/fuzz/ondrivel_fuzz_$$t -max_total_time=$(FUZZ_SECONDS) \
+	    $(SANITIZE_BUILD)/fuzz-$$t tests/fuzz/corpus/$$t || exit 1; done
 
 bench: configure
 	@cmake --build $(BUILD) -j $(JOBS) --target ondrivel_bench
@@ -69,4 +71,4 @@ soak: configure
 	@$(BUILD)/bench/ondrivel_bench --benchmark_filter=Soak
 
 clean:
-	@rm -rf $(BUILD)
+	@rm -rf $(BUILD) $(SANITIZE_BUILD)

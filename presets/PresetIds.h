@@ -1,19 +1,18 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
-// Names shared by the preset files, the state tree and the preset panels, made once per process.
+// Names shared by the preset files, the state tree and the preset panels. Plain literals, not
+// framework objects: globals of class type would be built during static initialisation, before
+// the framework's own singletons exist in some link orders.
 #pragma once
-
-#include <juce_core/juce_core.h>
-#include <juce_data_structures/juce_data_structures.h>
 
 namespace velkaro::PresetIds
 {
-inline const juce::Identifier program { "PROGRAM" };
-inline const juce::Identifier notes { "NOTES" };
-inline const juce::Identifier name { "NAME" };
-inline const juce::Identifier type { "TYPE" };
-inline const juce::Identifier author { "AUTHOR" };
-inline const juce::Identifier text { "TEXT" };
+inline constexpr const char* program = "PROGRAM";
+inline constexpr const char* notes = "NOTES";
+inline constexpr const char* name = "NAME";
+inline constexpr const char* type = "TYPE";
+inline constexpr const char* author = "AUTHOR";
+inline constexpr const char* text = "TEXT";
 
-inline const juce::String defaultName { "[init]" };
-inline const juce::String fileSuffix { ".xml" };
+inline constexpr const char* defaultName = "[init]";
+inline constexpr const char* fileSuffix = ".xml";
 } // namespace velkaro::PresetIds

@@ -12,7 +12,7 @@ namespace velkaro
 {
 namespace
 {
-const juce::Identifier indexProperty { "index" };
+constexpr const char* indexProperty = "index";
 
 // A preset is a few kilobytes; anything far larger is not one, and parsing it would stall the thread.
 constexpr juce::int64 largestPresetFileBytes = 8 * 1024 * 1024;
@@ -56,7 +56,7 @@ juce::File PresetManager::presetFolder()
 
 void PresetManager::copyFactoryPresetsIfEmpty (const juce::File& folder, const juce::File& factoryPresets)
 {
-    if (! folder.findChildFiles (juce::File::findFiles, false, "*" + PresetIds::fileSuffix).isEmpty())
+    if (! folder.findChildFiles (juce::File::findFiles, false, juce::String ("*") + PresetIds::fileSuffix).isEmpty())
         return;
     if (factoryPresets.isDirectory())
         copyMissingFiles (factoryPresets, folder);
@@ -82,7 +82,7 @@ void PresetManager::readyPresetFolder (const juce::File& factoryPresets)
 
 void PresetManager::scanPresets()
 {
-    auto files = presetFolder().findChildFiles (juce::File::findFiles, true, "*" + PresetIds::fileSuffix,
+    auto files = presetFolder().findChildFiles (juce::File::findFiles, true, juce::String ("*") + PresetIds::fileSuffix,
                                                 juce::File::FollowSymlinks::noCycles);
     if (files.size() >= 2)
         std::stable_sort (files.begin(), files.end(), [] (const juce::File& a, const juce::File& b)

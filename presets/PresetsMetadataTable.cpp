@@ -8,7 +8,7 @@ namespace velkaro
 {
 namespace
 {
-const juce::Identifier indexProperty { "index" };
+constexpr const char* indexProperty = "index";
 } // namespace
 
 //==============================================================================
@@ -212,7 +212,7 @@ void PresetsMetadataTable::selectedRowsChanged (int lastRowSelected)
 void PresetsMetadataTable::valueTreePropertyChanged (juce::ValueTree& tree, const juce::Identifier& property)
 {
     // The index is removed whenever the manager forgets its selection; the highlight then stays where it is.
-    if (property != indexProperty || ! tree.hasProperty (indexProperty))
+    if (property != juce::Identifier (indexProperty) || ! tree.hasProperty (indexProperty))
         return;
 
     const juce::ScopedValueSetter<bool> following (followingManager, true);

@@ -12,7 +12,7 @@ namespace velkaro
 {
 namespace
 {
-const juce::String unsavedText { "<<< Unsaved changes will be lost" };
+constexpr const char* unsavedText = "<<< Unsaved changes will be lost";
 } // namespace
 
 PresetsPanel::PresetsPanel (PresetManager& presetManager)
@@ -204,7 +204,7 @@ void PresetsPanel::resized()
 
     const juce::Font unsavedFont (juce::FontOptions (0.6f * (float) stripHeight));
     unsavedLabel.setFont (unsavedFont);
-    const auto unsavedWidth = juce::GlyphArrangement::getStringWidthInt (unsavedFont, " " + unsavedText + " ") - 4;
+    const auto unsavedWidth = juce::GlyphArrangement::getStringWidthInt (unsavedFont, juce::String (" ") + unsavedText + " ") - 4;
     unsavedLabel.setBounds (b + 2, 2, juce::jmax (juce::jmin (unsavedWidth, w - (b + 2)), 0), s - 4);
 
     // From the right: close, help, then the autoload toggle, each as wide as its text plus 4.
