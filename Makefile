@@ -9,6 +9,8 @@ CMAKE_FLAGS ?=
 WITH_DISPLAY = $(if $(DISPLAY),,$(if $(shell command -v xvfb-run),xvfb-run -a,))
 # Lets ccache reuse objects between clones of the tree.
 export CCACHE_BASEDIR := $(CURDIR)
+# Debug builds (the sanitized one) would otherwise hash the directory and miss in every other clone.
+export CCACHE_NOHASHDIR := 1
 
 .PHONY: all setup configure build install demo test test-sanitize fuzz bench soak clean
 
