@@ -39,6 +39,31 @@ inline void butterfly (float* a, float* b, float ur, float ui) noexcept
     a[0] += tr;
     a[1] += ti;
 }
+
+// Walks the stages and, within each, the butterfly columns, advancing the twiddle by a float
+// rotation; the transform and its precomputed tables both come from this one walk.
+template <typename ColumnFn>
+void forEachTwiddle (long frameSize, long sign, ColumnFn&& column)
+{
+    long le = 2;
+    for (long stage = 0, stages = stageCount (frameSize); stage < stages; ++stage)
+    {
+        le <<= 1;
+        const long le2 = le >> 1;
+        float ur = 1.0f;
+        float ui = 0.0f;
+        const float arg = pi / (float) (le2 >> 1);
+        const float wr = std::cos (arg);
+        const float wi = (float) sign * std::sin (arg);
+        for (long j = 0; j < le2; j += 2)
+        {
+            column (le, le2, j, ur, ui);
+            const float rotated = ur * wr - ui * wi;
+            ui = ur * wi + ui * wr;
+            ur = rotated;
+        }
+    }
+}
 } // namespace
 
 void FloatFft::perform (float* workspace, long frameSize, long sign) noexcept
@@ -55,52 +80,22 @@ void FloatFft::perform (float* workspace, long frameSize, long sign) noexcept
         }
     }
 
-    const long stages = stageCount (frameSize);
-    long le = 2;
-    for (long stage = 0; stage < stages; ++stage)
+    forEachTwiddle (frameSize, sign, [workspace, twice] (long le, long le2, long j, float ur, float ui)
     {
-        le <<= 1;
-        const long le2 = le >> 1;
-        float ur = 1.0f;
-        float ui = 0.0f;
-        const float arg = pi / (float) (le2 >> 1);
-        const float wr = std::cos (arg);
-        const float wi = (float) sign * std::sin (arg);
-
-        for (long j = 0; j < le2; j += 2)
-        {
-            for (long i = j; i < twice; i += le)
-                butterfly (workspace + i, workspace + i + le2, ur, ui);
-            const float rotated = ur * wr - ui * wi;
-            ui = ur * wi + ui * wr;
-            ur = rotated;
-        }
-    }
+        for (long i = j; i < twice; i += le)
+            butterfly (workspace + i, workspace + i + le2, ur, ui);
+    });
 }
 
 FloatFft::Twiddles FloatFft::makeTwiddles (long frameSize, long sign)
 {
-    // The same rotation `perform` runs, recorded once: every entry is the float it would use.
+    // Every entry is the float `perform` would use at that point.
     Twiddles t;
-    long le = 2;
-    for (long stage = 0; stage < stageCount (frameSize); ++stage)
+    forEachTwiddle (frameSize, sign, [&t] (long, long, long, float ur, float ui)
     {
-        le <<= 1;
-        const long le2 = le >> 1;
-        float ur = 1.0f;
-        float ui = 0.0f;
-        const float arg = pi / (float) (le2 >> 1);
-        const float wr = std::cos (arg);
-        const float wi = (float) sign * std::sin (arg);
-        for (long j = 0; j < le2; j += 2)
-        {
-            t.real.insert (t.real.end(), { ur, ur });
-            t.imag.insert (t.imag.end(), { ui, ui });
-            const float rotated = ur * wr - ui * wi;
-            ui = ur * wi + ui * wr;
-            ur = rotated;
-        }
-    }
+        t.real.insert (t.real.end(), { ur, ur });
+        t.imag.insert (t.imag.end(), { ui, ui });
+    });
     return t;
 }
 

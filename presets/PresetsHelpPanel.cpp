@@ -4,13 +4,6 @@
 
 namespace velkaro
 {
-bool isPlainEscape (const juce::KeyPress& key)
-{
-    const auto anyModifier = juce::ModifierKeys::shiftModifier | juce::ModifierKeys::ctrlModifier
-                             | juce::ModifierKeys::altModifier | juce::ModifierKeys::commandModifier;
-    return key.getKeyCode() == juce::KeyPress::escapeKey && (key.getModifiers().getRawFlags() & anyModifier) == 0;
-}
-
 PresetsHelpPanel::PresetsHelpPanel()
 {
     filterHelp.setText ("Multi-select items to filter the list of presets. Alt, Ctrl, Cmd and Esc keys can be used.",
@@ -43,17 +36,10 @@ PresetsHelpPanel::~PresetsHelpPanel()
 
 void PresetsHelpPanel::toggle()
 {
-    auto& animator = juce::Desktop::getInstance().getAnimator();
-
     if (isVisible())
-    {
-        animator.fadeOut (this, fadeMs);
-        return;
-    }
-
-    animator.fadeIn (this, fadeMs);
-    grabKeyboardFocus();
-    setAlwaysOnTop (isShowing());
+        fadePanelOut (*this, fadeMs);
+    else
+        fadePanelIn (*this, fadeMs);
 }
 
 void PresetsHelpPanel::paint (juce::Graphics& g)

@@ -4,6 +4,8 @@
 
 #include <juce_gui_basics/juce_gui_basics.h>
 
+#include "presets/PanelFade.h"
+
 namespace velkaro
 {
 class PresetsHelpPanel : public juce::Component, public juce::KeyListener
@@ -28,7 +30,4 @@ public:
 
     JUCE_DECLARE_NON_COPYABLE_WITH_LEAK_DETECTOR (PresetsHelpPanel)
 };
-
-// Escape alone closes a panel; with any modifier it is left to others.
-bool isPlainEscape (const juce::KeyPress& key);
 } // namespace velkaro

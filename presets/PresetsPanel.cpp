@@ -158,21 +158,17 @@ void PresetsPanel::reloadLibraryKeepingEdits()
 
 void PresetsPanel::toggle()
 {
-    auto& animator = juce::Desktop::getInstance().getAnimator();
-
     if (isVisible())
     {
         if (help.isVisible())
             help.toggle();
-        animator.fadeOut (this, fadeMs);
+        fadePanelOut (*this, fadeMs);
         return;
     }
 
     filterTree.reload();
     refreshRows();
-    animator.fadeIn (this, fadeMs);
-    grabKeyboardFocus();
-    setAlwaysOnTop (isShowing());
+    fadePanelIn (*this, fadeMs);
 }
 
 void PresetsPanel::paint (juce::Graphics& g)

@@ -2,6 +2,7 @@
 // Names are checked as they are entered, so that neither save can produce a second preset of one name.
 #include "presets/ProgramPanel.h"
 
+#include "presets/PanelFade.h"
 #include "presets/PresetIds.h"
 
 namespace velkaro
@@ -37,17 +38,10 @@ ProgramPanel::~ProgramPanel()
 
 void ProgramPanel::toggle()
 {
-    auto& animator = juce::Desktop::getInstance().getAnimator();
-
     if (isVisible())
-    {
-        animator.fadeOut (this, fadeMs);
-        return;
-    }
-
-    animator.fadeIn (this, fadeMs);
-    grabKeyboardFocus();
-    setAlwaysOnTop (isShowing());
+        fadePanelOut (*this, fadeMs);
+    else
+        fadePanelIn (*this, fadeMs);
 }
 
 void ProgramPanel::visibilityChanged()
