@@ -1,81 +1,23 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
-// A processor with its editor open over a throw-away music folder, and helpers that act like a user
-// on the preset toolbar and its panels.
+// The editor over a throw-away music folder, and helpers that act like a user on the preset toolbar
+// and its panels.
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <map>
-#include <memory>
-
-#include "core/KestruneAudioProcessor.h"
-#include "core/ParameterTable.h"
-#include "editor/MainWindow.h"
-#include "editor/PelvaneAudioProcessorEditor.h"
-#include "presets/Preset.h"
+#include "engine/editor/EditorFixture.h"
 #include "presets/PresetsToolbar.h"
-#include "../support/TestProcessor.h"
 
-class BrowserFixture : public ::testing::Test
+class BrowserFixture : public EditorFixture
 {
 protected:
-    void SetUp() override
-    {
-        if (const char* old = std::getenv ("HOME"))
-            previousHome = old;
-        home = juce::File::getSpecialLocation (juce::File::tempDirectory).getNonexistentChildFile ("ondrivel-browser", {}, false);
-        home.createDirectory();
-        setenv ("HOME", home.getFullPathName().toRawUTF8(), 1);
-        test = std::make_unique<TestProcessor>();
-    }
-
-    void TearDown() override
-    {
-        editor.reset();
-        test.reset();
-        if (previousHome.isNotEmpty())
-            setenv ("HOME", previousHome.toRawUTF8(), 1);
-        home.deleteRecursively();
-    }
-
-    KestruneAudioProcessor& processor() { return *test->processor; }
     velkaro::PresetManager& manager() { return processor().presetManager; }
-    juce::File library() const { return velkaro::PresetManager::presetFolder(); }
+    juce::File library() const { return home.library(); }
 
-    // Writes a preset file holding every parameter at its default, or at `values` where given.
     juce::File writePreset (const juce::String& fileName, const juce::String& name, const juce::String& type,
-                            const juce::String& author, const std::map<juce::String, float>& values = {})
+                            const juce::String& author, const ValueTexts& values = {})
     {
-        auto xml = std::make_unique<juce::XmlElement> ("ondrivel");
-        auto* program = xml->createNewChildElement ("PROGRAM");
-        program->setAttribute ("NAME", name);
-        program->setAttribute ("TYPE", type);
-        program->setAttribute ("AUTHOR", author);
-        for (const auto& row : parameterTable)
-        {
-            auto* param = xml->createNewChildElement ("PARAM");
-            param->setAttribute ("id", row.id);
-            const auto found = values.find (row.id);
-            param->setAttribute ("value", found != values.end() ? found->second : row.defaultValue);
-        }
-        xml->createNewChildElement ("NOTES")->setAttribute ("TEXT", "notes of " + name);
-
-        const auto file = library().getChildFile (fileName);
-        file.getParentDirectory().createDirectory();
-        xml->writeTo (file, velkaro::Preset::fileFormat());
-        return file;
+        return writePresetFile (library().getChildFile (fileName), name, type, author, values);
     }
 
-    // Opens the editor as a host does; the library is read again as it opens.
-    PelvaneAudioProcessorEditor& openEditor()
-    {
-        editor.reset();
-        editor.reset (dynamic_cast<PelvaneAudioProcessorEditor*> (processor().createEditor()));
-        return *editor;
-    }
-
-    MainWindow& panel() { return *editor->getMainWindow(); }
     velkaro::PresetsToolbar& toolbar() { return panel().presetsToolbar; }
     velkaro::PresetsPanel& browser() { return toolbar().presetsPanel; }
     velkaro::ProgramPanel& programPanel() { return toolbar().programPanel; }
@@ -88,8 +30,6 @@ protected:
         button.triggerClick();
         pump();
     }
-
-    static void pump (int milliseconds = 10) { juce::MessageManager::getInstance()->runDispatchLoopUntil (milliseconds); }
 
     // Lets the toolbar see the editing state as its timer would, after the parameters reached the tree.
     void tick()
@@ -121,16 +61,5 @@ protected:
 
     float plainValue (const juce::String& id) { return processor().parameters.getRawParameterValue (id)->load(); }
 
-    std::vector<juce::String> listedNames()
-    {
-        std::vector<juce::String> names;
-        for (const auto* preset : manager().getPresets())
-            names.push_back (preset->name);
-        return names;
-    }
-
-    juce::File home;
-    juce::String previousHome;
-    std::unique_ptr<TestProcessor> test;
-    std::unique_ptr<PelvaneAudioProcessorEditor> editor;
+    std::vector<juce::String> listedNames() { return namesOf (manager().getPresets()); }
 };

@@ -3,17 +3,9 @@
 // can drop all of them to return to the preset as loaded.
 #include "BrowserFixture.h"
 
-namespace
-{
-juce::Colour undoColour (velkaro::PresetsToolbar& toolbar)
-{
-    return toolbar.undoArea.findColour (juce::TextButton::buttonColourId);
-}
-} // namespace
-
 TEST_F (BrowserFixture, EveryGestureIsOneUndoStep)
 {
-    writePreset ("a.xml", "Alpha", "Pad", "Ann", { { "volume", 0.5f } });
+    writePreset ("a.xml", "Alpha", "Pad", "Ann", { { "volume", "0.5" } });
     openEditor();
     manager().selectPreset (0);
     auto& undo = processor().undoManager;
@@ -73,7 +65,6 @@ TEST_F (BrowserFixture, EveryGestureIsOneUndoStep)
         EXPECT_EQ (values(), history[step - 1]);
     }
     EXPECT_FALSE (undo.canUndo());
-    EXPECT_EQ (undoColour (toolbar()), toolbar().getLookAndFeel().findColour (juce::TextButton::buttonColourId));
 
     for (size_t step = 1; step < history.size(); ++step)
     {
@@ -91,7 +82,7 @@ TEST_F (BrowserFixture, EveryGestureIsOneUndoStep)
 
 TEST_F (BrowserFixture, ModificationCountFollowsTheHistoryAndTheLabelReturnsToTheOriginal)
 {
-    writePreset ("a.xml", "Alpha", "Pad", "Ann", { { "volume", 0.5f } });
+    writePreset ("a.xml", "Alpha", "Pad", "Ann", { { "volume", "0.5" } });
     openEditor();
     manager().selectPreset (0);
     auto& undo = processor().undoManager;
@@ -118,9 +109,7 @@ TEST_F (BrowserFixture, ModificationCountFollowsTheHistoryAndTheLabelReturnsToTh
     EXPECT_EQ (tb.statusLabel.getText(), "edited");
     const auto count = tb.modificationsLabel.getText();
     EXPECT_NE (count, "mods 0");
-    EXPECT_TRUE (manager().isModified());
     EXPECT_TRUE (manager().getCurrentProgram().isModified);
-    EXPECT_EQ (undoColour (tb), tb.getLookAndFeel().findColour (juce::TextButton::buttonOnColourId));
 
     // One undo does not lower the count: it counts the stored history.
     click (tb.undoArea);
@@ -134,7 +123,6 @@ TEST_F (BrowserFixture, ModificationCountFollowsTheHistoryAndTheLabelReturnsToTh
     EXPECT_EQ (tb.modificationsLabel.getText(), "mods 0");
     EXPECT_FALSE (undo.canUndo());
     EXPECT_FALSE (undo.canRedo());
-    EXPECT_FALSE (manager().isModified());
     EXPECT_TRUE (manager().getCurrentProgram().isModified) << "update stays offered until the next load";
     for (const auto& row : parameterTable)
         EXPECT_FLOAT_EQ (plainValue (row.id), (float) loaded.getChildWithProperty ("id", row.id)["value"]) << row.id;

@@ -1,69 +1,39 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
-// A processor with its editor opened the way a host opens it, and a clean settings folder.
+// A processor in a throw-away home folder, with its editor opened the way a host opens it.
 #pragma once
 
 #include <gtest/gtest.h>
-#include <cstdlib>
 #include <memory>
 
 #include "core/KestruneAudioProcessor.h"
 #include "editor/GlobalSettings.h"
 #include "editor/MainWindow.h"
 #include "editor/PelvaneAudioProcessorEditor.h"
-#include "../support/TestProcessor.h"
+#include "engine/presets/PresetTestSupport.h"
+#include "engine/support/TestProcessor.h"
 
 class EditorFixture : public ::testing::Test
 {
 protected:
-    void SetUp() override
-    {
-        // Each test gets a home of its own, so that tests run in parallel never share the
-        // settings and picture files.
-        savedHome = juce::SystemStats::getEnvironmentVariable ("HOME", {});
-        const auto* info = ::testing::UnitTest::GetInstance()->current_test_info();
-        const auto home = juce::File (savedHome).getChildFile (juce::String ("editor-") + info->name());
-        home.createDirectory();
-        setenv ("HOME", home.getFullPathName().toRawUTF8(), 1);
-        test = std::make_unique<TestProcessor>();
-
-        settingsFile().deleteFile();
-        savedBackgroundFile().deleteFile();
-        resetParameters();
-    }
-
-    void TearDown() override
-    {
-        editor.reset();
-        settingsFile().deleteFile();
-        savedBackgroundFile().deleteFile();
-        test.reset();
-        setenv ("HOME", savedHome.toRawUTF8(), 1);
-    }
+    void TearDown() override { editor.reset(); }
 
     KestruneAudioProcessor& processor() { return *test->processor; }
 
-    juce::File settingsFile() const { return juce::File (test->processor->dataFolder + "Settings.xml"); }
-
+    // Opens the editor as a host does; the settings and the preset library are read again as it opens.
     PelvaneAudioProcessorEditor& openEditor()
     {
         editor.reset();
-        editor.reset (dynamic_cast<PelvaneAudioProcessorEditor*> (test->processor->createEditor()));
+        editor.reset (dynamic_cast<PelvaneAudioProcessorEditor*> (processor().createEditor()));
         return *editor;
     }
 
     void closeEditor() { editor.reset(); }
 
     MainWindow& panel() { return *editor->getMainWindow(); }
-
     juce::Component* control (const juce::String& id) { return panel().findChildWithID (id); }
-
     juce::RangedAudioParameter& parameter (const juce::String& id) { return *processor().parameters.getParameter (id); }
 
-    void resetParameters()
-    {
-        for (auto* p : test->processor->getParameters())
-            p->setValueNotifyingHost (p->getDefaultValue());
-    }
+    juce::File settingsFile() { return juce::File (processor().dataFolder + "Settings.xml"); }
 
     void writeSettings (const juce::String& content)
     {
@@ -71,7 +41,17 @@ protected:
         settingsFile().replaceWithText (content, false, false, nullptr);
     }
 
-    juce::String savedHome;
-    std::unique_ptr<TestProcessor> test;
+    GlobalSettings storedSettings()
+    {
+        GlobalSettings stored;
+        stored.dataFolder = processor().dataFolder;
+        stored.read();
+        return stored;
+    }
+
+    static void pump (int milliseconds = 10) { juce::MessageManager::getInstance()->runDispatchLoopUntil (milliseconds); }
+
+    ScopedTempHome home; // before the processor, which finds its folders through HOME
+    std::unique_ptr<TestProcessor> test = std::make_unique<TestProcessor>();
     std::unique_ptr<PelvaneAudioProcessorEditor> editor;
 };

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
-// A throw-away home folder for preset tests, and small helpers to write preset files into it.
+// A throw-away home folder for preset and editor tests, and small helpers to write preset files into it.
 #pragma once
 
 #include <cstdlib>
+#include <map>
 
 #include <juce_core/juce_core.h>
 
@@ -10,7 +11,8 @@
 #include "presets/Preset.h"
 #include "presets/PresetManager.h"
 
-// Points HOME at a fresh temporary folder, so the music folder and the library live there.
+// Points HOME at a fresh temporary folder, so the music folder, the library and the settings live there
+// and tests run in parallel never share a file.
 struct ScopedTempHome
 {
     ScopedTempHome()
@@ -35,10 +37,11 @@ struct ScopedTempHome
     juce::String previous;
 };
 
-// A preset document with all 30 parameters at their defaults, or at `values` where given.
+using ValueTexts = std::map<juce::String, juce::String>;
+
+// A preset document with all 30 parameters at their defaults, or at the text in `values` where given.
 inline std::unique_ptr<juce::XmlElement> makePresetXml (const juce::String& name, const juce::String& type,
-                                                        const juce::String& author,
-                                                        const std::map<juce::String, juce::String>& values = {})
+                                                        const juce::String& author, const ValueTexts& values = {})
 {
     auto xml = std::make_unique<juce::XmlElement> ("ondrivel");
     auto* program = xml->createNewChildElement ("PROGRAM");
@@ -57,7 +60,7 @@ inline std::unique_ptr<juce::XmlElement> makePresetXml (const juce::String& name
 }
 
 inline juce::File writePresetFile (const juce::File& file, const juce::String& name, const juce::String& type = {},
-                                   const juce::String& author = {}, const std::map<juce::String, juce::String>& values = {})
+                                   const juce::String& author = {}, const ValueTexts& values = {})
 {
     file.getParentDirectory().createDirectory();
     makePresetXml (name, type, author, values)->writeTo (file, velkaro::Preset::fileFormat());
@@ -72,15 +75,11 @@ inline std::vector<juce::String> namesOf (const std::vector<velkaro::Preset*>& p
     return result;
 }
 
-// Every file below `folder` with its bytes, to prove what a scan did or did not write.
+// Every file below `folder` with its bytes, to prove what a scan or a save did or did not write.
 inline std::map<juce::String, juce::MemoryBlock> snapshotFiles (const juce::File& folder)
 {
     std::map<juce::String, juce::MemoryBlock> result;
     for (const auto& f : folder.findChildFiles (juce::File::findFiles, true, "*", juce::File::FollowSymlinks::noCycles))
-    {
-        juce::MemoryBlock data;
-        f.loadFileAsData (data);
-        result[f.getRelativePathFrom (folder)] = data;
-    }
+        f.loadFileAsData (result[f.getRelativePathFrom (folder)]);
     return result;
 }
