@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
-// The editor opens at the remembered width with the panel's aspect, follows host resizes, paints at
-// every scale, and leaves no look behind when it closes.
+// The editor opens at the remembered width with the panel's aspect, whatever the settings file holds,
+// follows host resizes, paints at every scale, and leaves no look behind when it closes.
 #include "EditorFixture.h"
 
 namespace
@@ -36,6 +36,47 @@ TEST_F (EditorFixture, OpensAtTheRememberedWidthWithThePanelAspect)
     closeEditor();
     EXPECT_EQ (openEditor().getWidth(), 1500);
     EXPECT_EQ (editor->getHeight(), 828);
+}
+
+TEST_F (EditorFixture, BrokenSettingsFilesGiveDefinedValuesAndAUsableEditor)
+{
+    // The file as found, what the record reads from it, and the width the editor opens at.
+    struct Case { const char* name; const char* content; int tooltips, width, openGL, colours, editorWidth; };
+    const Case cases[] = {
+        { "no file", nullptr, 1, 880, 0, 0, 880 },
+        { "empty", "", 1, 880, 0, 0, 880 },
+        { "not xml", "\x01\x02 not <<< xml >", 1, 880, 0, 0, 880 },
+        { "wrong root", "<SETTINGS><SETTING ID=\"glb_wsz\" Value=\"1200\"/></SETTINGS>", 1, 880, 0, 0, 880 },
+        { "width only", "<ALLSETTINGS><SETTING ID=\"glb_wsz\" Value=\"1200\"/></ALLSETTINGS>", 1, 1200, 0, 0, 1200 },
+        { "not a number", "<ALLSETTINGS><SETTING ID=\"glb_wsz\" Value=\"wide\"/></ALLSETTINGS>", 1, 0, 0, 0, 880 },
+        { "leading digits", "<ALLSETTINGS><SETTING ID=\"glb_wsz\" Value=\" 1500px\"/></ALLSETTINGS>", 1, 1500, 0, 0, 1500 },
+        { "negative", "<ALLSETTINGS><SETTING ID=\"glb_wsz\" Value=\"-20\"/></ALLSETTINGS>", 1, -20, 0, 0, 880 },
+        { "below limits", "<ALLSETTINGS><SETTING ID=\"glb_wsz\" Value=\"100\"/></ALLSETTINGS>", 1, 100, 0, 0, 100 },
+        { "above limits", "<ALLSETTINGS><SETTING ID=\"glb_wsz\" Value=\"4000\"/></ALLSETTINGS>", 1, 4000, 0, 0, 4000 },
+        { "missing value", "<ALLSETTINGS><SETTING ID=\"glb_stt\"/><SETTING ID=\"glb_ogl\" Value=\"7\"/></ALLSETTINGS>", 0, 880, 7, 0, 880 },
+        { "unknown ids and tags", "<ALLSETTINGS><SETTING ID=\"GLB_WSZ\" Value=\"999\"/><OTHER ID=\"glb_col\" Value=\"1\"/>"
+                                  "<SETTING ID=\"glb_col\" Value=\"1\"/></ALLSETTINGS>", 1, 880, 0, 1, 880 },
+        { "truncated", "<ALLSETTINGS><SETTING ID=\"glb_wsz\" Value=\"12", 1, 880, 0, 0, 880 },
+    };
+    for (const auto& c : cases)
+    {
+        SCOPED_TRACE (c.name);
+        settingsFile().deleteFile();
+        if (c.content != nullptr)
+            writeSettings (c.content);
+        const auto s = storedSettings();
+        EXPECT_EQ (std::vector<int> ({ s.showTooltips, s.windowWidth, s.useOpenGL, s.setColours }),
+                   std::vector<int> ({ c.tooltips, c.width, c.openGL, c.colours }));
+
+        auto& ed = openEditor();
+        EXPECT_EQ (ed.getWidth(), c.editorWidth);
+        EXPECT_EQ (ed.getHeight(), (int) ((float) c.editorWidth * 0.55227274f));
+        ed.createComponentSnapshot ({ 0, 0, 32, 32 }, true, 0.5f);
+        ed.setSize (880, 486);
+        closeEditor();
+
+        EXPECT_EQ (storedSettings().windowWidth, 880) << "closing writes a clean file again";
+    }
 }
 
 TEST_F (EditorFixture, HostResizeKeepsTheAspectAndThePanelPaintsAtEveryScale)
