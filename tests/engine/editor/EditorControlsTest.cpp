@@ -74,7 +74,7 @@ TEST_F (EditorFixture, SyncSwitchesTheTimeTextAndHidesTap)
 
     // From the host the text follows as soon as the message loop has run.
     parameter ("sync").setValueNotifyingHost (0.0f);
-    juce::MessageManager::getInstance()->runDispatchLoopUntil (20);
+    pump (20);
     EXPECT_EQ (box->getText(), "1000 ms");
     EXPECT_TRUE (panel().tapButton.isVisible());
 

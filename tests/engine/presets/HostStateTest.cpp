@@ -103,7 +103,6 @@ TEST (HostState, ARecallIsNeverTakenForALibraryPreset)
     manager.selectPreset (1);
     const auto saved = stateOf (p);
     manager.selectPreset (0);
-    p.selection.setProperty ("name", "First", nullptr);
     p.parameters.getParameter ("noise")->setValueNotifyingHost (0.5f);
     p.parameters.copyState();
     ASSERT_TRUE (manager.isModified());
@@ -122,5 +121,4 @@ TEST (HostState, ARecallIsNeverTakenForALibraryPreset)
     // Next starts again from the top of the list.
     manager.selectNext();
     EXPECT_EQ (manager.getCurrentPreset()->name, "First");
-
 }
