@@ -100,15 +100,13 @@ TEST (TiltEqualiser, TiltsANoiseSpectrumTowardsLowsOrHighs)
 
 TEST (TiltEqualiser, NeutralCornersSitAt20HzAnd10kHz)
 {
-    TiltEqualiser tilt;
-    tilt.setupBlock (0.0f, 48000.0);
-    EXPECT_NEAR (sineGain (tilt, 1000.0, 48000.0), 1.0, 0.02);
-    TiltEqualiser low;
-    low.setupBlock (0.0f, 48000.0);
-    EXPECT_NEAR (sineGain (low, 20.0, 48000.0), std::sqrt (0.5), 0.03);
-    TiltEqualiser high;
-    high.setupBlock (0.0f, 48000.0);
-    EXPECT_NEAR (sineGain (high, 10000.0, 48000.0), std::sqrt (0.5), 0.1);
+    struct Case { double hz, gain, tolerance; };
+    for (const auto& c : { Case { 1000.0, 1.0, 0.02 }, Case { 20.0, std::sqrt (0.5), 0.03 }, Case { 10000.0, std::sqrt (0.5), 0.1 } })
+    {
+        TiltEqualiser tilt;
+        tilt.setupBlock (0.0f, 48000.0);
+        EXPECT_NEAR (sineGain (tilt, c.hz, 48000.0), c.gain, c.tolerance) << c.hz;
+    }
 }
 
 TEST (TiltEqualiser, RebuildsOnlyWhenTiltMovesByMoreThanAThousandth)

@@ -2,6 +2,8 @@
 // Pitch as a listener hears it: note frequency, bend range, the ratio switch and low sample rates.
 #include <gtest/gtest.h>
 
+#include <numeric>
+
 #include "VoiceTestRig.h"
 
 namespace
@@ -104,7 +106,8 @@ TEST (VoicePitch, VibratoSwaysAtFiveHertzAndSlowsBelowThirtyTwoKilohertz)
         rig.noteOn (81);
         rig.render ((int) rig.seconds (4.0));
 
-        // Period of each cycle, then count how often that period crosses its mean going up.
+        // Period of each cycle from the interpolated upward zero crossings, then how often that
+        // period crosses its mean going up.
         std::vector<double> periods;
         double previous = -1.0;
         for (size_t i = rig.seconds (1.0); i < rig.left.size(); ++i)
@@ -115,20 +118,13 @@ TEST (VoicePitch, VibratoSwaysAtFiveHertzAndSlowsBelowThirtyTwoKilohertz)
                     periods.push_back (t - previous);
                 previous = t;
             }
-        double mean = 0.0;
-        for (auto p : periods)
-            mean += p;
-        mean /= (double) periods.size();
-        double minimum = mean, maximum = mean;
+        const double mean = std::accumulate (periods.begin(), periods.end(), 0.0) / (double) periods.size();
+        const auto [minimum, maximum] = std::minmax_element (periods.begin(), periods.end());
         int swings = 0;
         for (size_t i = 1; i < periods.size(); ++i)
-        {
-            minimum = std::min (minimum, periods[i]);
-            maximum = std::max (maximum, periods[i]);
             swings += (periods[i - 1] < mean && periods[i] >= mean) ? 1 : 0;
-        }
         EXPECT_NEAR (swings / 3.0, c.expectedHz, 0.7) << c.rate;
         // Full depth moves the pitch by several percent.
-        EXPECT_GT ((maximum - minimum) / mean, 0.05) << c.rate;
+        EXPECT_GT ((*maximum - *minimum) / mean, 0.05) << c.rate;
     }
 }

@@ -165,12 +165,4 @@ inline double peakNear (const std::vector<float>& magnitudes, double hz, double 
     const double offset = 0.5 * (a - c) / (a - 2.0 * b + c);
     return ((double) best + offset) * binHz;
 }
-
-inline bool allFinite (const std::vector<float>& x)
-{
-    for (auto v : x)
-        if (! std::isfinite (v))
-            return false;
-    return true;
-}
 } // namespace listen
