@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
-// The processor's own block loop: held-note gain, mod wheel, clipper, DC blocker, and a note played
-// through the whole plug-in.
+// The processor's own block loop: held-note gain, DC blocker, and a note played through the whole
+// plug-in.
 #include <gtest/gtest.h>
 
 #include "core/DcBlocker.h"
-#include "core/SoftClipper.h"
 #include "support/TestProcessor.h"
 #include "voice/VoiceTestRig.h"
 
@@ -65,53 +64,6 @@ TEST (BlockLoop, HeldNoteCountSetsThePolyphonyGainReachedOverAHundredthOfASecond
     EXPECT_GT (p.polyGain.getCurrent(), 0.5f);
     runBlock (p, none, 64);
     EXPECT_FLOAT_EQ (p.polyGain.getCurrent(), 0.5f);
-}
-
-TEST (BlockLoop, ModWheelWritesVibratoAndTellsTheHost)
-{
-    TestProcessor t;
-    auto& p = *t.processor;
-    struct Listener : juce::AudioProcessorListener
-    {
-        void audioProcessorParameterChanged (juce::AudioProcessor*, int index, float value) override
-        {
-            lastIndex = index;
-            lastValue = value;
-        }
-        void audioProcessorChanged (juce::AudioProcessor*, const ChangeDetails&) override {}
-        int lastIndex = -1;
-        float lastValue = -1.0f;
-    } listener;
-    p.addListener (&listener);
-
-    for (const int value : { 127, 0, 64 })
-    {
-        juce::MidiBuffer midi;
-        midi.addEvent (juce::MidiMessage::controllerEvent (1, 1, value), 5);
-        runBlock (p, midi);
-        EXPECT_FLOAT_EQ (p.getParameterValue (ParameterIndex::vibrato), (float) value / 127.0f);
-        EXPECT_EQ (listener.lastIndex, (int) ParameterIndex::vibrato);
-        EXPECT_FLOAT_EQ (listener.lastValue, (float) value / 127.0f);
-        EXPECT_TRUE (midi.isEmpty()) << "the plug-in produces no MIDI";
-    }
-    p.removeListener (&listener);
-}
-
-TEST (BlockLoop, SoftClipperIsOddMonotonicAndFlatAtTheRails)
-{
-    EXPECT_FLOAT_EQ (softClip (1.0f), 1.0f);
-    EXPECT_FLOAT_EQ (softClip (7.0f), 1.0f);
-    float previous = -2.0f;
-    for (float x = -1.5f; x <= 1.5f; x += 0.001f)
-    {
-        const float y = softClip (x);
-        EXPECT_FLOAT_EQ (softClip (-x), -y);
-        EXPECT_GE (y, previous - 1e-7f);
-        EXPECT_LE (std::abs (y), 1.0f + 1e-6f);
-        previous = y;
-    }
-    // Near zero the slope is 1.1: the clipper adds a little gain to quiet signals.
-    EXPECT_NEAR (softClip (0.01f) / 0.01f, 1.1f, 1e-5f);
 }
 
 TEST (BlockLoop, DcBlockerRemovesOffsetAndPassesAudio)

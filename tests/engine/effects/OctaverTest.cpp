@@ -84,8 +84,6 @@ TEST (OctaverTest, SineComesOutAnOctaveDownOrUp)
         const double shifted = amplitudeAt (out, c.expectedHz, 8192);
         const double original = amplitudeAt (out, 1000.0, 8192);
         const double otherOctave = amplitudeAt (out, c.otherOctaveHz, 8192);
-        std::printf ("[ octaver ] ratio %.1f: %.0f Hz amplitude %.4f, input frequency %.6f, other octave %.6f\n",
-                     (double) c.ratio, c.expectedHz, shifted, original, otherOctave);
         EXPECT_GT (shifted, 0.2) << c.ratio;
         EXPECT_LT (original, shifted * 0.01) << c.ratio;
         EXPECT_LT (otherOctave, shifted * 0.01) << c.ratio;
@@ -141,7 +139,6 @@ TEST (OctaverTest, MeasuredDelayOfTheFramePathIs2048Samples)
     const auto out = runOctaver (impulse, 256, 1.0f, 1.0f).left;
     const auto peak = (size_t) (std::max_element (out.begin(), out.end(), [] (float a, float b) { return std::abs (a) < std::abs (b); })
                                 - out.begin());
-    std::printf ("[ octaver ] impulse delay %zu samples, peak %.4f\n", peak - 5000, (double) out[peak]);
     EXPECT_EQ (peak - 5000, 2048u);
     // Hann analysis and synthesis at 8 times overlap with the doubled one-sided magnitudes give 1.5.
     EXPECT_NEAR (out[peak], 0.75f, 0.02f);
@@ -157,7 +154,6 @@ TEST (OctaverTest, MeasuredDelayOfTheFramePathIs2048Samples)
     for (const float ratio : { 0.5f, 2.0f })
     {
         const double shift = energyCentroid (runOctaver (burst, 256, 1.0f, ratio).left) - energyCentroid (burst);
-        std::printf ("[ octaver ] ratio %.1f burst delay %.1f samples\n", (double) ratio, shift);
         EXPECT_NEAR (shift, 2048.0, 64.0) << ratio;
     }
 }

@@ -187,7 +187,6 @@ TEST (ReverbTest, DecayTimeIsSecondsLongAndShorterInTheHighs)
     {
         const double left = rt60Seconds (bandPass (wet.left, band.centre, rate), rate);
         const double right = rt60Seconds (bandPass (wet.right, band.centre, rate), rate);
-        std::printf ("[ reverb ] RT60 at %.0f Hz: left %.2f s, right %.2f s\n", band.centre, left, right);
         for (const double t : { left, right })
         {
             EXPECT_GT (t, band.low) << band.centre;
@@ -210,7 +209,6 @@ TEST (ReverbTest, StaysBoundedAndSteadyUnderSixtySecondsOfFullLevelNoise)
         peak = std::max ({ peak, std::abs (out.left[i]), std::abs (out.right[i]) });
     const double early = rms (out.left, (size_t) (rate * 10), (size_t) (rate * 11));
     const double late = rms (out.left, (size_t) (rate * 59), (size_t) (rate * 60));
-    std::printf ("[ reverb ] 60 s full-scale noise: peak %.3f, rms at 10 s %.4f, at 59 s %.4f\n", (double) peak, early, late);
     EXPECT_LT (peak, 4.0f);
     EXPECT_NEAR (late / early, 1.0, 0.2);
 }
@@ -239,6 +237,5 @@ TEST (ReverbTest, LowTonesBarelyReachTheReverb)
         wetLevel[b] = rms (wet.left, length / 4, length) + rms (wet.right, length / 4, length);
     }
     const double ratioDb = 20.0 * std::log10 (wetLevel[0] / wetLevel[1]);
-    std::printf ("[ reverb ] wet level of the 30 Hz band against the 1 kHz band: %.1f dB\n", ratioDb);
     EXPECT_LT (ratioDb, -10.0);
 }
