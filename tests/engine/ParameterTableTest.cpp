@@ -4,29 +4,17 @@
 #include <gtest/gtest.h>
 
 #include <limits>
-#include <set>
 
 #include "support/TestProcessor.h"
 
-TEST (ParameterTable, HasThirtyUniqueIdsInTableOrderAtTheirDefaults)
+TEST (ParameterTable, HostSeesThirtyIdsInTheOrderProjectsRelyOn)
 {
     TestProcessor t;
-    const auto& params = t.processor->getParameters();
-    ASSERT_EQ (params.size(), 30);
-    const char* expected[] = { "octave", "up", "bp1", "time", "sync", "fmit", "squeezeit", "fdbk", "envms", "revmix",
-                               "rev", "bp2", "rate", "flangerit", "bp3", "pre", "tilt", "drywet", "pitch", "timbre",
-                               "noise", "envmod", "ws", "attack", "decay", "sustain", "release", "vibrato", "volume",
-                               "reverb" };
-    std::set<juce::String> seen;
-    for (int i = 0; i < 30; ++i)
-    {
-        auto* p = dynamic_cast<juce::AudioParameterFloat*> (params[i]);
-        ASSERT_NE (p, nullptr);
-        EXPECT_EQ (p->getParameterID(), juce::String (expected[i]));
-        seen.insert (p->getParameterID());
-        EXPECT_FLOAT_EQ (p->get(), (float) parameterTable[i].defaultValue) << expected[i];
-    }
-    EXPECT_EQ (seen.size(), 30u);
+    juce::StringArray ids;
+    for (auto* parameter : t.processor->getParameters())
+        ids.add (dynamic_cast<juce::AudioProcessorParameterWithID&> (*parameter).paramID);
+    EXPECT_EQ (ids.joinIntoString (" "), "octave up bp1 time sync fmit squeezeit fdbk envms revmix rev bp2 rate flangerit bp3 pre "
+                                         "tilt drywet pitch timbre noise envmod ws attack decay sustain release vibrato volume reverb");
 }
 
 TEST (ParameterTable, SyncedTimeReadsAsABarFractionInStepsOf282)
