@@ -14,54 +14,29 @@ struct DelayRig
     // Neutral settings: a 10 ms block at 48 kHz (480 samples), no modulation, full wet mix.
     static BlockDelay::Settings neutral (double sampleRate = 48000.0)
     {
-        BlockDelay::Settings s {};
-        s.time = 10.0f;
-        s.sync = 0.0f;
-        s.fmit = 0.0f;
-        s.squeezeit = 0.0f;
-        s.fdbk = 0.0f;
-        s.envms = 2.0f;
-        s.revmix = 1.0f;
-        s.rev = 0.0f;
-        s.hostBpm = 120.0;
-        s.sampleRate = (float) sampleRate;
-        return s;
+        return { 10.0f, 0.0f, 0.0f, 0.0f, 0.0f, 2.0f, 1.0f, 0.0f, 120.0, (float) sampleRate };
     }
 
-    explicit DelayRig (double rate = 48000.0, float tiltValue = 0.0f) : sampleRate (rate), tiltAmount (tiltValue)
-    {
-        delay->reset (sampleRate);
-    }
+    explicit DelayRig (double rate = 48000.0) : sampleRate (rate) { delay->reset (sampleRate); }
 
-    // Runs left/right through the delay in host blocks of blockSize, calling setupBlock before each.
-    void run (std::vector<float>& left, std::vector<float>& right, const BlockDelay::Settings& s, int blockSize,
-              bool delayOn = true)
+    // Runs the same signal on both channels in host blocks of blockSize and returns the left output.
+    std::vector<float> runMono (std::vector<float> x, const BlockDelay::Settings& s, int blockSize, bool delayOn = true)
     {
         juce::AudioBuffer<float> buffer (2, blockSize);
-        const int total = (int) left.size();
-        for (int start = 0; start < total; start += blockSize)
+        for (int start = 0; start < (int) x.size(); start += blockSize)
         {
-            const int n = std::min (blockSize, total - start);
+            const int n = std::min (blockSize, (int) x.size() - start);
             delay->setupBlock (s);
-            tilt.setupBlock (tiltAmount, sampleRate);
-            buffer.copyFrom (0, 0, left.data() + start, n);
-            buffer.copyFrom (1, 0, right.data() + start, n);
+            tilt.setupBlock (0.0f, sampleRate);
+            for (int ch = 0; ch < 2; ++ch)
+                buffer.copyFrom (ch, 0, x.data() + start, n);
             delay->process (buffer, n, delayOn, s.revmix, tilt);
-            std::copy (buffer.getReadPointer (0), buffer.getReadPointer (0) + n, left.begin() + start);
-            std::copy (buffer.getReadPointer (1), buffer.getReadPointer (1) + n, right.begin() + start);
+            std::copy (buffer.getReadPointer (0), buffer.getReadPointer (0) + n, x.begin() + start);
         }
-    }
-
-    // Mono convenience: the same signal on both channels, returns the left output.
-    std::vector<float> runMono (std::vector<float> signal, const BlockDelay::Settings& s, int blockSize, bool delayOn = true)
-    {
-        auto right = signal;
-        run (signal, right, s, blockSize, delayOn);
-        return signal;
+        return x;
     }
 
     double sampleRate;
-    float tiltAmount;
     std::unique_ptr<BlockDelay> delay = std::make_unique<BlockDelay>(); // 4 MB: never on the stack
     TiltEqualiser tilt;
 };
@@ -82,4 +57,12 @@ inline std::vector<float> whiteNoise (int length, int seed)
     for (auto& v : x)
         v = random.nextFloat() * 2.0f - 1.0f;
     return x;
+}
+
+inline double energy (const std::vector<float>& x, size_t from = 0, size_t to = SIZE_MAX)
+{
+    double sum = 0.0;
+    for (size_t i = from; i < std::min (to, x.size()); ++i)
+        sum += (double) x[i] * x[i];
+    return sum;
 }

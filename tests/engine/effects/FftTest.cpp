@@ -1,40 +1,18 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
-// The octaver's float transform against a direct DFT in double, both directions, several sizes.
+// The octaver's float transform against a direct DFT in double, and its tabled form against the
+// step-by-step one.
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <complex>
 #include <cstring>
 #include <random>
-#include <vector>
 
 #include "effects/FloatFft.h"
-
-namespace
-{
-std::vector<std::complex<double>> directDft (const std::vector<float>& interleaved, long n, int sign)
-{
-    std::vector<std::complex<double>> result ((size_t) n);
-    for (long k = 0; k < n; ++k)
-    {
-        std::complex<double> sum = 0.0;
-        for (long t = 0; t < n; ++t)
-        {
-            const double angle = sign * 2.0 * M_PI * (double) ((k * t) % n) / (double) n;
-            sum += std::complex<double> (interleaved[(size_t) (2 * t)], interleaved[(size_t) (2 * t + 1)])
-                   * std::polar (1.0, angle);
-        }
-        result[(size_t) k] = sum;
-    }
-    return result;
-}
-} // namespace
 
 TEST (FftTest, ForwardAndInverseMatchADirectDftOnRandomInput)
 {
     std::mt19937 random (1234);
     std::uniform_real_distribution<float> uniform (-1.0f, 1.0f);
-
     for (const long n : { 2L, 4L, 8L, 64L, 512L, 2048L })
     {
         for (const int sign : { -1, 1 })
@@ -42,8 +20,7 @@ TEST (FftTest, ForwardAndInverseMatchADirectDftOnRandomInput)
             std::vector<float> data ((size_t) (2 * n));
             for (auto& x : data)
                 x = uniform (random);
-
-            const auto expected = directDft (data, n, sign);
+            const auto input = data;
             FloatFft::perform (data.data(), n, sign);
 
             // Float rounding grows about with log2 n; the bins' size grows with sqrt n.
@@ -51,31 +28,15 @@ TEST (FftTest, ForwardAndInverseMatchADirectDftOnRandomInput)
             double worst = 0.0;
             for (long k = 0; k < n; ++k)
             {
-                const std::complex<double> got (data[(size_t) (2 * k)], data[(size_t) (2 * k + 1)]);
-                worst = std::max (worst, std::abs (got - expected[(size_t) k]));
+                std::complex<double> expected = 0.0;
+                for (long t = 0; t < n; ++t)
+                    expected += std::complex<double> (input[(size_t) (2 * t)], input[(size_t) (2 * t + 1)])
+                                * std::polar (1.0, sign * 2.0 * M_PI * (double) ((k * t) % n) / (double) n);
+                worst = std::max (worst, std::abs (std::complex<double> (data[(size_t) (2 * k)], data[(size_t) (2 * k + 1)]) - expected));
             }
             EXPECT_LT (worst, tolerance) << "n " << n << " sign " << sign;
         }
     }
-}
-
-TEST (FftTest, ForwardThenInverseGivesTheInputTimesN)
-{
-    std::mt19937 random (99);
-    std::uniform_real_distribution<float> uniform (-1.0f, 1.0f);
-    const long n = 2048;
-    std::vector<float> original ((size_t) (2 * n));
-    for (auto& x : original)
-        x = uniform (random);
-
-    auto data = original;
-    FloatFft::perform (data.data(), n, -1);
-    FloatFft::perform (data.data(), n, 1);
-
-    double worst = 0.0;
-    for (size_t i = 0; i < data.size(); ++i)
-        worst = std::max (worst, std::abs (data[i] / (double) n - original[i]));
-    EXPECT_LT (worst, 5e-5);
 }
 
 TEST (FftTest, TabledTransformIsBitIdenticalToTheStepByStepOne)

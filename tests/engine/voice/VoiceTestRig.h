@@ -6,6 +6,7 @@
 #include <array>
 #include <atomic>
 #include <cmath>
+#include <stdexcept>
 #include <vector>
 
 #include <juce_audio_basics/juce_audio_basics.h>
@@ -88,8 +89,16 @@ struct VoiceTestRig
 
 namespace listen
 {
+// A window past the end of the render is a mistake in the test, not a measurement.
+inline void checkWindow (const std::vector<float>& x, size_t start, size_t length)
+{
+    if (start + length > x.size())
+        throw std::out_of_range ("window past the end of the rendered audio");
+}
+
 inline double rms (const std::vector<float>& x, size_t start, size_t length)
 {
+    checkWindow (x, start, length);
     double sum = 0.0;
     for (size_t i = start; i < start + length; ++i)
         sum += (double) x[i] * x[i];
@@ -99,6 +108,7 @@ inline double rms (const std::vector<float>& x, size_t start, size_t length)
 // Frequency from the upward zero crossings, interpolated between samples.
 inline double frequency (const std::vector<float>& x, size_t start, size_t length, double sampleRate)
 {
+    checkWindow (x, start, length);
     double first = -1.0, last = -1.0;
     int crossings = 0;
     for (size_t i = start + 1; i < start + length; ++i)
@@ -118,6 +128,7 @@ inline double frequency (const std::vector<float>& x, size_t start, size_t lengt
 // Share of the energy that a sinusoid at `hz` (plus a constant) cannot explain: 0 for a pure tone.
 inline double impurity (const std::vector<float>& x, size_t start, size_t length, double hz, double sampleRate)
 {
+    checkWindow (x, start, length);
     double ss = 0, sc = 0, s1 = 0, cc = 0, c1 = 0, n = 0, xs = 0, xc = 0, x1 = 0, total = 0;
     for (size_t i = start; i < start + length; ++i)
     {
@@ -145,6 +156,7 @@ inline double impurity (const std::vector<float>& x, size_t start, size_t length
 inline std::vector<float> spectrum (const std::vector<float>& x, size_t start, int order)
 {
     const int size = 1 << order;
+    checkWindow (x, start, (size_t) size);
     std::vector<float> data ((size_t) size * 2, 0.0f);
     for (int i = 0; i < size; ++i)
         data[(size_t) i] = x[start + (size_t) i] * (0.5f - 0.5f * std::cos (2.0f * juce::MathConstants<float>::pi * (float) i / (float) size));
@@ -164,13 +176,5 @@ inline double peakNear (const std::vector<float>& magnitudes, double hz, double 
     const double a = magnitudes[best - 1], b = magnitudes[best], c = magnitudes[best + 1];
     const double offset = 0.5 * (a - c) / (a - 2.0 * b + c);
     return ((double) best + offset) * binHz;
-}
-
-inline bool allFinite (const std::vector<float>& x)
-{
-    for (auto v : x)
-        if (! std::isfinite (v))
-            return false;
-    return true;
 }
 } // namespace listen
