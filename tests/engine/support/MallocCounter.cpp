@@ -5,9 +5,15 @@
 #include <cerrno>
 #include <cstdlib>
 
+// GCC says so with a macro, clang only through __has_feature.
 #if defined(__SANITIZE_ADDRESS__)
   #define ONDRIVEL_COUNT_MALLOC 0
-#else
+#elif defined(__has_feature)
+  #if __has_feature(address_sanitizer)
+    #define ONDRIVEL_COUNT_MALLOC 0
+  #endif
+#endif
+#ifndef ONDRIVEL_COUNT_MALLOC
   #define ONDRIVEL_COUNT_MALLOC 1
 #endif
 
