@@ -28,7 +28,9 @@ TEST (HostedFactoryPresets, AFreshUserGetsTheBundlesPresetsAndKeepsTheirOwnLater
     EXPECT_GE (shipped.size(), 24u) << "the build installs the factory presets into the bundle";
 
     if (auto host = hosted::loadBuiltPlugin())
+    {
         EXPECT_EQ (hosted::render (*host, 4800).nonFinite, 0);
+    }
     EXPECT_EQ (filesBelow (library), shipped);
 
     // The user edits one preset and deletes another; the next start copies nothing back over them.

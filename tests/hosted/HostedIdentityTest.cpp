@@ -53,27 +53,17 @@ TEST_F (HostedPluginTest, ExposesExactlyTheTableParametersInOrderAtTheirDefaults
     EXPECT_EQ (host->findParameter ("tap"), nullptr);
 }
 
-TEST_F (HostedPluginTest, ParameterTextsReadAsThePanelShowsThem)
+TEST_F (HostedPluginTest, ParameterTextsReachTheHostThroughTheWrapper)
 {
-    struct Case
-    {
-        const char* id;
-        double value;
-        const char* text;
+    // One of each kind of text; the full tables are the parameter list's own tests.
+    const std::tuple<const char*, double, const char*> cases[] = {
+        { "time", 1000, "1000 ms" }, { "fmit", 0, "off" },   { "squeezeit", -1000, "-1000 mult" }, { "flangerit", -0.5, "-0.50" },
+        { "reverb", 0.5, "" },       { "pitch", -20, "-19" }, { "pitch", 8, "+7" },                  { "volume", 1, "1.000" },
     };
-    const Case cases[] = {
-        { "time", 1000, "1000 ms" },  { "fmit", 0, "off" },         { "fmit", 1400, "1400 mult" },
-        { "squeezeit", -1000, "-1000 mult" }, { "flangerit", 0, "off" }, { "flangerit", -0.5, "-0.50" },
-        { "reverb", 0, "off" },       { "reverb", 0.5, "" },        { "envms", 5, "5 ms" },
-        { "pitch", -24, "-24" },      { "pitch", -20, "-19" },      { "pitch", -8, "-7" },
-        { "pitch", -4, "-5" },        { "pitch", 0, "0" },          { "pitch", 4, "+4" },
-        { "pitch", 8, "+7" },         { "pitch", 20, "+19" },       { "pitch", 24, "+24" },
-        { "rate", 1, "1.00" },        { "volume", 1, "1.000" },     { "octave", 0.5, "0.5000" },
-    };
-    for (const auto& c : cases)
+    for (const auto& [id, value, text] : cases)
     {
-        auto& p = parameter (c.id);
-        EXPECT_EQ (p.getText (p.getValueForText (juce::String (c.value)), 128), juce::String (c.text)) << c.id << " at " << c.value;
+        auto& p = parameter (id);
+        EXPECT_EQ (p.getText (p.getValueForText (juce::String (value)), 128), juce::String (text)) << id << " at " << value;
     }
     EXPECT_EQ (parameter ("rate").getLabel(), " Hz");
 
@@ -84,5 +74,4 @@ TEST_F (HostedPluginTest, ParameterTextsReadAsThePanelShowsThem)
     host->renderNext (host->getBlockSize()); // the plug-in receives parameter changes with audio
     EXPECT_EQ (time.getText (atThousand, 128), "1/16D");
     EXPECT_EQ (time.getText (1.0f, 128), "8/4");
-    EXPECT_EQ (time.getText (0.0f, 128), "1/16");
 }

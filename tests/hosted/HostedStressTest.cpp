@@ -10,10 +10,13 @@
 
 namespace
 {
+// Any parameter but the volume, so that the output rarely falls silent; a third of the changes go to
+// an end of the range.
 void changeAtRandom (const juce::Array<juce::AudioProcessorParameter*>& parameters, juce::Random& random)
 {
-    // A third of the changes go to an end of the range.
-    parameters[random.nextInt (parameters.size())]->setValue (random.nextInt (3) == 0 ? (float) random.nextInt (2) : random.nextFloat());
+    const int index = random.nextInt (parameters.size());
+    if (index != ParameterIndex::volume)
+        parameters[index]->setValue (random.nextInt (3) == 0 ? (float) random.nextInt (2) : random.nextFloat());
 }
 } // namespace
 

@@ -23,7 +23,7 @@ struct StressStats
     // Most distinct mutexes one processBlock locked, in blocks without and with a mod-wheel message.
     std::size_t mostMutexes = 0;
     std::size_t mostMutexesWithModWheel = 0;
-    std::vector<double> blockNanoseconds; // thread CPU time of each processBlock, when recordTimes is set
+    std::vector<double> blockNanoseconds; // thread CPU time of each block, when recordTimes is set
 };
 
 class StressRig
@@ -38,7 +38,6 @@ public:
 
     // One processBlock of n samples (1 to the prepared maximum) into a cleared buffer.
     void render (int n, juce::MidiBuffer& midi);
-    void render (int n);
 
     // Through the parameter objects, as the plug-in wrapper does: in the plug-in's units or normalised.
     void setParameter (int index, float value);
@@ -54,7 +53,6 @@ private:
     juce::ScopedJuceInitialiser_GUI framework;
     std::unique_ptr<KestruneAudioProcessor> instance;
     juce::AudioBuffer<float> buffer;
-    juce::MidiBuffer emptyMidi;
 };
 
 namespace stress
