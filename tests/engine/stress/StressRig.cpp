@@ -94,7 +94,8 @@ void StressRig::randomiseParameters (juce::Random& random, int howMany)
     for (int i = 0; i < howMany; ++i)
     {
         const int index = random.nextInt (numParameters);
-        setNormalised (index, random.nextInt (3) == 0 ? (float) random.nextInt (2) : random.nextFloat());
+        if (index != ParameterIndex::volume)
+            setNormalised (index, random.nextInt (3) == 0 ? (float) random.nextInt (2) : random.nextFloat());
     }
 }
 

@@ -42,7 +42,8 @@ public:
     // Through the parameter objects, as the plug-in wrapper does: in the plug-in's units or normalised.
     void setParameter (int index, float value);
     void setNormalised (int index, float normalised);
-    // A third of the changes go to an end of the range, where most trouble lives.
+    // Any parameter but the volume, so that the output rarely falls silent; a third of the changes
+    // go to an end of the range, where most trouble lives.
     void randomiseParameters (juce::Random& random, int howMany);
 
     StressStats stats;
