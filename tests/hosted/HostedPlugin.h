@@ -25,36 +25,41 @@ inline std::unique_ptr<PluginHost> loadBuiltPlugin (double sampleRate = 48000.0,
     return host;
 }
 
-// Renders `frames` frames in blocks of the host's size; returns the count of non-finite samples and
-// the peak of the finite ones.
+// What rendered blocks held: how many non-finite samples, and the peak of the finite ones.
 struct Levels
 {
+    juce::int64 blocks = 0;
     juce::int64 nonFinite = 0;
     float peak = 0.0f;
-};
 
-inline Levels render (PluginHost& host, juce::int64 frames)
-{
-    Levels levels;
-    for (juce::int64 done = 0; done < frames;)
+    void add (const juce::AudioBuffer<float>& block, int n)
     {
-        const int n = (int) juce::jmin ((juce::int64) host.getBlockSize(), frames - done);
-        const auto& block = host.renderNext (n);
+        ++blocks;
         for (int ch = 0; ch < block.getNumChannels(); ++ch)
             for (int i = 0; i < n; ++i)
             {
                 const float x = block.getSample (ch, i);
                 if (! std::isfinite (x))
-                    ++levels.nonFinite;
+                    ++nonFinite;
                 else
-                    levels.peak = juce::jmax (levels.peak, std::abs (x));
+                    peak = juce::jmax (peak, std::abs (x));
             }
-        done += n;
+    }
+};
+
+// Renders `frames` frames in blocks of the host's size.
+inline Levels render (PluginHost& host, juce::int64 frames)
+{
+    Levels levels;
+    for (juce::int64 done = 0; done < frames; done += host.getBlockSize())
+    {
+        const int n = (int) juce::jmin ((juce::int64) host.getBlockSize(), frames - done);
+        levels.add (host.renderNext (n), n);
     }
     return levels;
 }
 
-// The plug-in's state tree as the host saved it.
+// The plug-in's state tree as the host saved it, and one value in it.
 inline std::unique_ptr<juce::XmlElement> stateXml (PluginHost& host)
 {
     const auto block = host.getState();

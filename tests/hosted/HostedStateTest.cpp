@@ -4,30 +4,23 @@
 
 using hosted::HostedPluginTest;
 
-namespace
-{
-// A value inside each range, away from the default, that exercises skewed and stepped ranges.
-double valueAwayFromDefault (const ParameterInfo& row)
-{
-    const double span = row.max - row.min;
-    double value = row.min + span * (row.defaultValue - row.min < span * 0.5 ? 0.73 : 0.21);
-    if (row.interval > 0)
-        value = row.min + std::round ((value - row.min) / row.interval) * row.interval;
-    return value;
-}
-} // namespace
-
 TEST_F (HostedPluginTest, StateRoundTripRestoresAllThirtyValuesExactly)
 {
+    // A value inside each range, away from the default, that exercises skewed and stepped ranges.
     for (const auto& row : parameterTable)
-        PluginHost::setParameterValue (parameter (row.id), valueAwayFromDefault (row));
+    {
+        const double span = row.max - row.min;
+        double value = row.min + span * (row.defaultValue - row.min < span * 0.5 ? 0.73 : 0.21);
+        if (row.interval > 0)
+            value = row.min + std::round ((value - row.min) / row.interval) * row.interval;
+        PluginHost::setParameterValue (parameter (row.id), value);
+    }
     host->renderNext (host->getBlockSize());
 
     const auto saved = host->getState();
     const auto savedXml = juce::AudioProcessor::getXmlFromBinary (saved.getData(), (int) saved.getSize());
     ASSERT_NE (savedXml, nullptr);
     EXPECT_TRUE (savedXml->hasTagName ("ondrivel"));
-
     auto other = hosted::loadBuiltPlugin();
     ASSERT_NE (other, nullptr);
     other->setState (saved.getData(), saved.getSize());
@@ -43,8 +36,7 @@ TEST_F (HostedPluginTest, StateRoundTripRestoresAllThirtyValuesExactly)
         EXPECT_EQ (hosted::stateValue (*restoredXml, row.id), savedValue);
         // The host's view follows the restored state too.
         auto* restored = other->findParameter (row.id);
-        auto* original = host->findParameter (row.id);
-        EXPECT_EQ (restored->getText (restored->getValue(), 128), original->getText (original->getValue(), 128));
+        EXPECT_EQ (restored->getText (restored->getValue(), 128), parameter (row.id).getText (parameter (row.id).getValue(), 128));
     }
 }
 
@@ -59,14 +51,8 @@ TEST_F (HostedPluginTest, CorruptStateBlocksLeaveTheParametersAlone)
     juce::MemoryBlock valid;
     juce::AudioProcessor::copyXmlToBinary (juce::XmlElement ("ondrivel"), valid);
     const auto* bytes = static_cast<const char*> (valid.getData());
-
-    struct Case
-    {
-        const char* name;
-        juce::MemoryBlock block;
-    };
     const std::string notXml = std::string ("VC2!") + std::string ("\x0b\0\0\0", 4) + "not xml at" + '\0';
-    const Case cases[] = {
+    const std::pair<const char*, juce::MemoryBlock> cases[] = {
         { "empty", {} },
         { "eight bytes", { bytes, 8 } },
         { "nine bytes, wrong magic", { "XXXX\x01\0\0\0a", 9 } },
@@ -75,12 +61,12 @@ TEST_F (HostedPluginTest, CorruptStateBlocksLeaveTheParametersAlone)
         { "truncated", { bytes, valid.getSize() / 2 } },
         { "random bytes", { "\x13\x37\xca\xfe\xba\xbe\xde\xad\xbe\xef\x00\x01", 12 } },
     };
-    for (const auto& c : cases)
+    for (const auto& [name, block] : cases)
     {
-        host->setState (c.block.getData(), c.block.getSize());
+        host->setState (block.getData(), block.getSize());
         const auto after = hosted::stateXml (*host);
-        ASSERT_NE (after, nullptr) << c.name;
+        ASSERT_NE (after, nullptr) << name;
         for (const auto& row : parameterTable)
-            EXPECT_EQ (hosted::stateValue (*after, row.id), hosted::stateValue (*before, row.id)) << c.name << ", " << row.id;
+            EXPECT_EQ (hosted::stateValue (*after, row.id), hosted::stateValue (*before, row.id)) << name << ", " << row.id;
     }
 }

@@ -15,6 +15,8 @@ public:
     // Distinct mutexes locked by this thread since construction (up to a fixed limit).
     std::size_t getDistinctMutexes() const;
     std::size_t getLockCalls() const;
+    // False under AddressSanitizer, where nothing is recorded.
+    static bool isActive();
 
     static constexpr std::size_t capacity = 32;
 

@@ -5,11 +5,7 @@
 #include <cerrno>
 #include <cstdlib>
 
-#if defined(__SANITIZE_ADDRESS__)
-  #define ONDRIVEL_COUNT_MALLOC 0
-#else
-  #define ONDRIVEL_COUNT_MALLOC 1
-#endif
+#include "AddressSanitizer.h"
 
 namespace
 {
@@ -17,14 +13,14 @@ namespace
 __attribute__ ((tls_model ("initial-exec"))) thread_local bool counting = false;
 __attribute__ ((tls_model ("initial-exec"))) thread_local std::size_t calls = 0;
 
-inline void note()
+[[maybe_unused]] inline void note()
 {
     if (counting)
         ++calls;
 }
 } // namespace
 
-#if ONDRIVEL_COUNT_MALLOC
+#if ! ONDRIVEL_ADDRESS_SANITIZER
 extern "C"
 {
 void* __libc_malloc (std::size_t);
@@ -93,5 +89,5 @@ std::size_t ScopedMallocCount::getCount() const
 
 bool ScopedMallocCount::isActive()
 {
-    return ONDRIVEL_COUNT_MALLOC != 0;
+    return ! ONDRIVEL_ADDRESS_SANITIZER;
 }
