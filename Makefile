@@ -52,7 +52,7 @@ SANITIZE_FLAGS = -DCMAKE_BUILD_TYPE=Release -DCMAKE_C_COMPILER=clang -DCMAKE_CXX
 test-sanitize: setup
 	@cmake -S . -B $(SANITIZE_BUILD) $(SANITIZE_FLAGS) $(CMAKE_FLAGS) >/dev/null
 	@cmake --build $(SANITIZE_BUILD) -j $(JOBS) --target ondrivel_engine_tests ondrivel_fuzz_targets
-	@cd $(SANITIZE_BUILD) && $(SANITIZE_ENV) ctest --output-on-failure -j $(JOBS) -L 'engine|fuzz'
+	@cd $(SANITIZE_BUILD) && $(SANITIZE_ENV) $(WITH_DISPLAY) ctest --output-on-failure -j $(JOBS) -L 'engine|fuzz'
 
 # libFuzzer for as long as FUZZ_SECONDS per target, in the sanitized build.
 FUZZ_SECONDS ?= 60

@@ -16,7 +16,8 @@ if(NOT ONDRIVEL_HOST_SOURCES)
 endif()
 # The parameter table gives the tools the plug-in's parameter ids and ranges (a VST3 host sees only
 # normalised values under numeric ids).
-add_library(ondrivel_host STATIC ${ONDRIVEL_HOST_SOURCES} ${CMAKE_SOURCE_DIR}/core/ParameterTable.cpp)
+add_library(ondrivel_host STATIC ${ONDRIVEL_HOST_SOURCES} ${CMAKE_SOURCE_DIR}/core/ParameterTable.cpp
+  ${CMAKE_SOURCE_DIR}/core/XmlText.cpp)
 target_include_directories(ondrivel_host PUBLIC ${CMAKE_SOURCE_DIR}/tools/host ${CMAKE_SOURCE_DIR})
 target_compile_definitions(ondrivel_host PUBLIC
   JUCE_PLUGINHOST_VST3=1

@@ -2,6 +2,7 @@
 #include "core/KestruneAudioProcessor.h"
 
 #include "core/SoftClipper.h"
+#include "core/XmlText.h"
 #include "editor/PelvaneAudioProcessorEditor.h"
 #include "voice/SynthSound.h"
 #include "voice/SynthVoice.h"
@@ -342,7 +343,7 @@ void KestruneAudioProcessor::setStateInformation (const void* data, int sizeInBy
     tilt.invalidate();
     resetBlockDelay();
 
-    const auto xml = data != nullptr ? getXmlFromBinary (data, sizeInBytes) : nullptr;
+    const auto xml = velkaro::XmlText::parseStateBlock (data, sizeInBytes);
     if (xml == nullptr)
         return;
 

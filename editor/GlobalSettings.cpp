@@ -2,6 +2,8 @@
 // Stored values are taken as they are: the limits in the table describe the settings, they bound nothing.
 #include "editor/GlobalSettings.h"
 
+#include "core/XmlText.h"
+
 #include <cstdlib>
 
 namespace
@@ -50,7 +52,7 @@ void GlobalSettings::read()
     if (! file.existsAsFile())
         return;
 
-    const auto root = juce::XmlDocument::parse (file);
+    const auto root = velkaro::XmlText::parse (file);
     if (root == nullptr || ! root->hasTagName ("ALLSETTINGS") || root->getFirstChildElement() == nullptr)
         return;
 

@@ -5,6 +5,7 @@
 
 #include "EditorData.h"
 #include "core/KestruneAudioProcessor.h"
+#include "core/XmlText.h"
 #include "editor/ControlHelp.h"
 
 namespace
@@ -206,6 +207,11 @@ MainWindow::~MainWindow()
         juce::AlertWindow::showMessageBoxAsync (juce::MessageBoxIconType::WarningIcon, "Saving Settings", "Failed!", "OK");
     stopTimer();
 
+    // The switches are members declared after their attachments, so they would go first and the
+    // attachments would then unregister from destroyed buttons.
+    for (auto& attachment : buttonAttachments)
+        attachment.reset();
+
     // The process-wide default must not point at a look-and-feel that is about to go.
     if (sliders[ParameterIndex::pitch] != nullptr)
         sliders[ParameterIndex::pitch]->setLookAndFeel (nullptr);
@@ -342,7 +348,11 @@ void MainWindow::restorePicture()
 
     juce::String name;
     if (savedBackgroundFile.existsAsFile())
-        name = savedBackgroundFile.loadFileAsString();
+    {
+        juce::MemoryBlock bytes;
+        if (savedBackgroundFile.loadFileAsData (bytes))
+            name = velkaro::XmlText::fromBytes (bytes.getData(), bytes.getSize());
+    }
 
     if (name.isNotEmpty())
     {

@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "core/BundleResources.h"
+#include "core/XmlText.h"
 #include "presets/PresetIds.h"
 
 namespace velkaro
@@ -93,7 +94,7 @@ void PresetManager::scanPresets()
         if (file.getSize() > largestPresetFileBytes)
             continue;
         // Files that cannot be read or do not parse have no document element and are passed over.
-        auto xml = juce::XmlDocument::parse (file);
+        auto xml = XmlText::parse (file);
         if (xml == nullptr)
             continue;
         xml->setTagName (state.state.getType().toString());

@@ -3,6 +3,7 @@
 // (XML document, preset record) and loaded into the processor through the preset manager.
 #include "fuzz/FuzzedProcessor.h"
 
+#include "core/XmlText.h"
 #include "presets/Preset.h"
 
 extern "C" int LLVMFuzzerTestOneInput (const std::uint8_t* data, std::size_t size)
@@ -14,9 +15,7 @@ extern "C" int LLVMFuzzerTestOneInput (const std::uint8_t* data, std::size_t siz
     // which checkAfterInput does; so the previous record can go once the next one is made.
     static std::unique_ptr<velkaro::Preset> record;
 
-    const auto text = juce::String::fromUTF8 (reinterpret_cast<const char*> (data), (int) size);
-    juce::XmlDocument document (text);
-    if (const auto xml = document.getDocumentElement())
+    if (const auto xml = velkaro::XmlText::parse (data, size))
     {
         record = std::make_unique<velkaro::Preset> (*xml, juce::File ("/nonexistent/fuzzed.xml"));
         processor.presetManager.loadPreset (record.get());

@@ -8,6 +8,7 @@
 #include "HostEnvironment.h"
 #include "PluginHost.h"
 #include "RenderSummary.h"
+#include "core/XmlText.h"
 
 namespace
 {
@@ -73,11 +74,14 @@ bool OfflineRender::readInputs (juce::String& error)
             error = "cannot read preset file " + options.preset.getFullPathName();
             return false;
         }
-        juce::XmlDocument document (options.preset);
-        const auto xml = document.getDocumentElement();
+        juce::MemoryBlock bytes;
+        options.preset.loadFileAsData (bytes);
+        const auto text = velkaro::XmlText::fromBytes (bytes.getData(), bytes.getSize());
+        juce::XmlDocument document (text);
+        const auto xml = text.isNotEmpty() ? document.getDocumentElement() : nullptr;
         if (xml == nullptr)
         {
-            const auto reason = document.getLastParseError();
+            const auto reason = text.isEmpty() ? juce::String ("not UTF-8 text") : document.getLastParseError();
             error = "cannot parse preset file " + options.preset.getFullPathName()
                     + (reason.isNotEmpty() ? ": " + reason : juce::String());
             return false;

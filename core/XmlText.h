@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: AGPL-3.0-or-later
+// Reading XML from bytes we did not write ourselves: project states, preset and settings files.
+// The framework's string type trusts its bytes to be UTF-8 and its XML parser steps over a
+// multi-byte sequence as a whole, so a broken lead byte near the end reads past the buffer.
+// Everything here checks the text first and treats broken text as unreadable.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+
+#include <juce_core/juce_core.h>
+
+namespace velkaro::XmlText
+{
+// The text up to the first NUL, or an empty string when it is not valid UTF-8.
+juce::String fromBytes (const void* data, std::size_t size);
+
+// The document element of the bytes as XML text, or null when they are not valid UTF-8 or not XML.
+std::unique_ptr<juce::XmlElement> parse (const void* data, std::size_t size);
+std::unique_ptr<juce::XmlElement> parse (const juce::File& file);
+
+// The XML of a block made by AudioProcessor::copyXmlToBinary, or null when it is not one.
+std::unique_ptr<juce::XmlElement> parseStateBlock (const void* data, int sizeInBytes);
+} // namespace velkaro::XmlText
