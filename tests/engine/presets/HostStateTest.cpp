@@ -70,8 +70,17 @@ TEST (HostState, BadBlocksLeaveTheParametersButSilenceTheDelay)
     for (size_t i = 8; i + 1 < notXml.getSize(); ++i)
         notXml[i] = 'z';
 
+    // Another setting whose text carries a broken UTF-8 sequence: the parser would step over the
+    // bytes after the lead byte and read the rest, so only checking the text keeps it out.
+    TestProcessor other;
+    other.processor->parameters.getParameter ("drywet")->setValueNotifyingHost (0.25f);
+    auto brokenText = stateOf (*other.processor);
+    const auto text = juce::String::fromUTF8 (static_cast<const char*> (brokenText.getData()) + 8, (int) brokenText.getSize() - 8);
+    brokenText[(size_t) (8 + text.indexOf ("value=\"") + 7)] = (char) 0xe9;
+
     struct Case { const char* what; juce::MemoryBlock block; };
-    const Case cases[] = { { "empty", juce::MemoryBlock() }, { "wrong magic", wrongMagic }, { "not XML", notXml } };
+    const Case cases[] = { { "empty", juce::MemoryBlock() }, { "wrong magic", wrongMagic }, { "not XML", notXml },
+                           { "broken UTF-8", brokenText } };
     for (const auto& c : cases)
     {
         // Only the delay sounds: a note is heard when its recorded block plays, up to 0.4 s later.
