@@ -54,14 +54,16 @@ test-sanitize: setup
 	@cmake --build $(SANITIZE_BUILD) -j $(JOBS) --target ondrivel_engine_tests ondrivel_fuzz_targets
 	@cd $(SANITIZE_BUILD) && $(SANITIZE_ENV) $(WITH_DISPLAY) ctest --output-on-failure -j $(JOBS) -L 'engine|fuzz'
 
-# libFuzzer for as long as FUZZ_SECONDS per target, in the sanitized build.
+# libFuzzer for as long as FUZZ_SECONDS per target, in the sanitized build, with a home folder of its
+# own so that the library never sees the user's presets.
 FUZZ_SECONDS ?= 60
 fuzz: setup
 	@cmake -S . -B $(SANITIZE_BUILD) $(SANITIZE_FLAGS) $(CMAKE_FLAGS) >/dev/null
 	@cmake --build $(SANITIZE_BUILD) -j $(JOBS) --target ondrivel_fuzz_targets
-	@for t in state preset; do mkdir -p $(SANITIZE_BUILD)/fuzz-$$t; \
-	  $(SANITIZE_ENV) $(SANITIZE_BUILD)/tests/fuzz/ondrivel_fuzz_$$t -max_total_time=$(FUZZ_SECONDS) \
-	    $(SANITIZE_BUILD)/fuzz-$$t tests/fuzz/corpus/$$t || exit 1; done
+	@for t in state preset; do mkdir -p $(SANITIZE_BUILD)/fuzz-$$t $(SANITIZE_BUILD)/test-home; \
+	  (cd $(SANITIZE_BUILD)/tests/fuzz && HOME=$(abspath $(SANITIZE_BUILD))/test-home $(SANITIZE_ENV) \
+	    ./ondrivel_fuzz_$$t -max_total_time=$(FUZZ_SECONDS) -timeout=60 -artifact_prefix=$(abspath $(SANITIZE_BUILD))/fuzz-$$t- \
+	    $(abspath $(SANITIZE_BUILD))/fuzz-$$t $(CURDIR)/tests/fuzz/corpus/$$t) || exit 1; done
 
 bench: configure
 	@cmake --build $(BUILD) -j $(JOBS) --target ondrivel_bench
