@@ -84,6 +84,15 @@ std::unique_ptr<juce::XmlElement> parse (const void* data, std::size_t size)
     const auto text = fromBytes (data, size);
     if (text.isEmpty())
         return nullptr;
+
+    // The parser never leaves a processing instruction that stands among an element's children
+    // when text follows it. Our files have none beyond the declaration at the top, so any other
+    // makes the text unreadable.
+    auto body = text.trimStart();
+    if (body.startsWith ("<?"))
+        body = body.fromFirstOccurrenceOf ("?>", false, false);
+    if (body.contains ("<?"))
+        return nullptr;
     return juce::XmlDocument (text).getDocumentElement();
 }
 
