@@ -61,8 +61,8 @@ juce::String fromBytes (const void* data, std::size_t size)
 {
     if (data == nullptr || size == 0)
         return {};
-    // A byte-order mark is not part of the text.
 
+    // A byte-order mark is not part of the text.
     auto* text = static_cast<const char*> (data);
     if (size >= 3 && std::memcmp (text, "\xef\xbb\xbf", 3) == 0)
     {
@@ -79,11 +79,18 @@ juce::String fromBytes (const void* data, std::size_t size)
     return juce::String::fromUTF8 (text, (int) length);
 }
 
-std::unique_ptr<juce::XmlElement> parse (const void* data, std::size_t size)
+namespace
 {
-    const auto text = fromBytes (data, size);
-    if (text.isEmpty())
+std::unique_ptr<juce::XmlElement> parseText (const juce::String& text, juce::String* whyNot)
+{
+    const auto refuse = [whyNot] (const char* reason) -> std::unique_ptr<juce::XmlElement>
+    {
+        if (whyNot != nullptr)
+            *whyNot = reason;
         return nullptr;
+    };
+    if (text.isEmpty())
+        return refuse ("no UTF-8 text");
 
     // The parser never leaves a processing instruction that stands among an element's children
     // when text follows it. Our files have none beyond the declaration at the top, so any other
@@ -92,16 +99,32 @@ std::unique_ptr<juce::XmlElement> parse (const void* data, std::size_t size)
     if (body.startsWith ("<?"))
         body = body.fromFirstOccurrenceOf ("?>", false, false);
     if (body.contains ("<?"))
-        return nullptr;
-    return juce::XmlDocument (text).getDocumentElement();
-}
+        return refuse ("processing instruction inside the document");
 
-std::unique_ptr<juce::XmlElement> parse (const juce::File& file)
+    juce::XmlDocument document (text);
+    auto xml = document.getDocumentElement();
+    if (xml == nullptr && whyNot != nullptr)
+        *whyNot = document.getLastParseError();
+    return xml;
+}
+} // namespace
+
+juce::String readFile (const juce::File& file)
 {
     juce::MemoryBlock bytes;
     if (! file.loadFileAsData (bytes))
-        return nullptr;
-    return parse (bytes.getData(), bytes.getSize());
+        return {};
+    return fromBytes (bytes.getData(), bytes.getSize());
+}
+
+std::unique_ptr<juce::XmlElement> parse (const void* data, std::size_t size, juce::String* whyNot)
+{
+    return parseText (fromBytes (data, size), whyNot);
+}
+
+std::unique_ptr<juce::XmlElement> parse (const juce::File& file, juce::String* whyNot)
+{
+    return parseText (readFile (file), whyNot);
 }
 
 std::unique_ptr<juce::XmlElement> parseStateBlock (const void* data, int sizeInBytes)

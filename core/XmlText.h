@@ -15,9 +15,13 @@ namespace velkaro::XmlText
 // The text up to the first NUL, or an empty string when it is not valid UTF-8.
 juce::String fromBytes (const void* data, std::size_t size);
 
-// The document element of the bytes as XML text, or null when they are not valid UTF-8 or not XML.
-std::unique_ptr<juce::XmlElement> parse (const void* data, std::size_t size);
-std::unique_ptr<juce::XmlElement> parse (const juce::File& file);
+// The file's text as fromBytes gives it; empty when it cannot be read.
+juce::String readFile (const juce::File& file);
+
+// The document element of the bytes as XML text, or null when they are not valid UTF-8 or not XML;
+// then `whyNot`, where given, receives the reason.
+std::unique_ptr<juce::XmlElement> parse (const void* data, std::size_t size, juce::String* whyNot = nullptr);
+std::unique_ptr<juce::XmlElement> parse (const juce::File& file, juce::String* whyNot = nullptr);
 
 // The XML of a block made by AudioProcessor::copyXmlToBinary, or null when it is not one.
 std::unique_ptr<juce::XmlElement> parseStateBlock (const void* data, int sizeInBytes);

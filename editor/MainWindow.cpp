@@ -207,11 +207,6 @@ MainWindow::~MainWindow()
         juce::AlertWindow::showMessageBoxAsync (juce::MessageBoxIconType::WarningIcon, "Saving Settings", "Failed!", "OK");
     stopTimer();
 
-    // The switches are members declared after their attachments, so they would go first and the
-    // attachments would then unregister from destroyed buttons.
-    for (auto& attachment : buttonAttachments)
-        attachment.reset();
-
     // The process-wide default must not point at a look-and-feel that is about to go.
     if (sliders[ParameterIndex::pitch] != nullptr)
         sliders[ParameterIndex::pitch]->setLookAndFeel (nullptr);
@@ -346,13 +341,7 @@ void MainWindow::restorePicture()
     if (! savedBackgroundFile.exists())
         savedBackgroundFile.create();
 
-    juce::String name;
-    if (savedBackgroundFile.existsAsFile())
-    {
-        juce::MemoryBlock bytes;
-        if (savedBackgroundFile.loadFileAsData (bytes))
-            name = velkaro::XmlText::fromBytes (bytes.getData(), bytes.getSize());
-    }
+    const auto name = velkaro::XmlText::readFile (savedBackgroundFile);
 
     if (name.isNotEmpty())
     {

@@ -59,8 +59,6 @@ public:
 
     std::array<std::unique_ptr<juce::Slider>, numParameters> sliders;
     std::array<std::unique_ptr<velkaro::NameDisplay>, numParameters> labels;
-    std::array<std::unique_ptr<juce::AudioProcessorValueTreeState::SliderAttachment>, numParameters> sliderAttachments;
-    std::array<std::unique_ptr<juce::AudioProcessorValueTreeState::ButtonAttachment>, numParameters> buttonAttachments;
 
     const int bigKnobSize = 110, smallKnobSize = 56, mediumKnobSize = 82, rowKnobSize = 62, labelHeight = 24,
               barSliderWidth = 152, barSliderHeight = 38, switchSize = 20, switchTop = 32, bigKnobTop = 53, knobTop = 81,
@@ -73,6 +71,10 @@ public:
     ImgToggleButton octaverSwitch, octaveUpSwitch, reverseModuleSwitch, reverseSwitch, flangerModuleSwitch,
         flangerPreSwitch, tapButton;
     juce::TextButton syncButton { "T" }, wsButton { "WS" }, pictureButton { "picture" }, tooltipsButton { "tooltips" };
+
+    // After the sliders and switches they hold: they go first and unregister from live controls.
+    std::array<std::unique_ptr<juce::AudioProcessorValueTreeState::SliderAttachment>, numParameters> sliderAttachments;
+    std::array<std::unique_ptr<juce::AudioProcessorValueTreeState::ButtonAttachment>, numParameters> buttonAttachments;
 
     velkaro::PresetsToolbar presetsToolbar;
     velkaro::UndoGestureTracker undoGestures; // one undo step per gesture on the panel

@@ -74,14 +74,10 @@ bool OfflineRender::readInputs (juce::String& error)
             error = "cannot read preset file " + options.preset.getFullPathName();
             return false;
         }
-        juce::MemoryBlock bytes;
-        options.preset.loadFileAsData (bytes);
-        const auto text = velkaro::XmlText::fromBytes (bytes.getData(), bytes.getSize());
-        juce::XmlDocument document (text);
-        const auto xml = text.isNotEmpty() ? document.getDocumentElement() : nullptr;
+        juce::String reason;
+        const auto xml = velkaro::XmlText::parse (options.preset, &reason);
         if (xml == nullptr)
         {
-            const auto reason = text.isEmpty() ? juce::String ("not UTF-8 text") : document.getLastParseError();
             error = "cannot parse preset file " + options.preset.getFullPathName()
                     + (reason.isNotEmpty() ? ": " + reason : juce::String());
             return false;
