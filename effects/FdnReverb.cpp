@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 
 #if defined(__SSE2__)
  #include <emmintrin.h>
@@ -59,15 +58,14 @@ void FdnReverb::setSampleRate (float newSampleRate)
     inverseSampleRate = 1.0 / (double) newSampleRate;
 }
 
-FdnReverb::FdnReverb (long lineCapacity)
+FdnReverb::FdnReverb (long lineCapacity, const int* draws)
     : capacity (std::max (lineCapacity, 1L)),
       buffers ((size_t) capacity * (size_t) numLines, 0.0)
 {
     absorptionB.fill (1.0);
 
-    // Unseeded on purpose: a fresh process draws the same detunings, so renders repeat exactly.
-    for (auto& value : detune)
-        value = 2.0 * (std::rand() * 4.656612873077393e-10) - 1.0;
+    for (size_t i = 0; i < detune.size(); ++i)
+        detune[i] = 2.0 * (draws[i] * 4.656612873077393e-10) - 1.0;
 }
 
 void FdnReverb::setRoom (double lengthX, double lengthY, double lengthZ) noexcept

@@ -12,9 +12,9 @@ class FdnReverb
 public:
     static constexpr int numLines = 15;
 
-    // Allocates the lines and draws their detunings from the C library's rand, so construct only
-    // while preparing.
-    explicit FdnReverb (long lineCapacity);
+    // Allocates the lines, so construct only while preparing. `draws` are fifteen values of the
+    // unseeded rand sequence, one per line in order, from which the detunings come.
+    FdnReverb (long lineCapacity, const int* draws);
 
     // The rate every network of the process works at; set before constructing one.
     static void setSampleRate (float newSampleRate);

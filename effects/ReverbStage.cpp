@@ -4,6 +4,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
+
+#include "effects/UnseededRand.h"
 
 namespace
 {
@@ -18,12 +21,16 @@ void ReverbStage::prepare (double sampleRate)
     const float rate = (float) sampleRate;
     const long lineCapacity = (long) (rate * 5.0);
 
+    // Both networks' detunings in one run of the shared sequence: the left takes the first fifteen.
+    int draws[2 * FdnReverb::numLines];
+    UnseededRand::draw (draws, std::size (draws));
+
     leftNetwork.reset();
     rightNetwork.reset();
     FdnReverb::setSampleRate (rate);
-    leftNetwork = std::make_unique<FdnReverb> (lineCapacity);
+    leftNetwork = std::make_unique<FdnReverb> (lineCapacity, draws);
     FdnReverb::setSampleRate (rate);
-    rightNetwork = std::make_unique<FdnReverb> (lineCapacity);
+    rightNetwork = std::make_unique<FdnReverb> (lineCapacity, draws + FdnReverb::numLines);
 
     preDelay.prepare ({ sampleRate, 1, 1 });
     preDelay.setMaximumDelayInSamples ((int) sampleRate);

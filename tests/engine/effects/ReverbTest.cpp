@@ -3,11 +3,14 @@
 // long-run level.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <memory>
 #include <random>
+#include <thread>
 
 #include "effects/ReverbStage.h"
+#include "effects/UnseededRand.h"
 
 namespace
 {
@@ -172,10 +175,42 @@ TEST (ReverbTest, TailStartsAfter40MsAtEveryRateAndAfterEveryPrepare)
     }
 }
 
+TEST (ReverbTest, DetuningsFollowTheUnseededCSequenceWhateverElseSeedsIt)
+{
+    std::srand (77); // as the host and the module code do
+    UnseededRand::restart();
+    int values[3] {};
+    UnseededRand::draw (values, 3);
+    EXPECT_EQ (values[0], 1804289383);
+    EXPECT_EQ (values[1], 846930886);
+    EXPECT_EQ (values[2], 1681692777);
+
+    // Instances preparing on several threads each take a whole run of thirty: the ones a lone
+    // process would draw, in some order.
+    UnseededRand::restart();
+    std::vector<int> expected (8 * 30);
+    UnseededRand::draw (expected.data(), expected.size());
+    UnseededRand::restart();
+    std::vector<std::vector<int>> runs (8, std::vector<int> (30));
+    std::vector<std::thread> threads;
+    for (auto& run : runs)
+        threads.emplace_back ([&run] { UnseededRand::draw (run.data(), run.size()); });
+    for (auto& thread : threads)
+        thread.join();
+    std::sort (runs.begin(), runs.end(), [] (const auto& a, const auto& b) { return a[0] < b[0]; });
+    for (const auto& run : runs)
+    {
+        const auto start = std::find (expected.begin(), expected.end(), run[0]);
+        ASSERT_NE (start, expected.end());
+        EXPECT_EQ ((start - expected.begin()) % 30, 0);
+        EXPECT_TRUE (std::equal (run.begin(), run.end(), start));
+    }
+}
+
 TEST (ReverbTest, DecayTimeIsSecondsLongAndShorterInTheHighs)
 {
     const double rate = 48000.0;
-    std::srand (1); // the detunings of a fresh process, whatever ran before in this one
+    UnseededRand::restart(); // the detunings of a fresh process, whatever ran before in this one
     ReverbRig rig (rate);
     const auto wet = wetOnly (rig, impulse ((size_t) (rate * 8.0)), rate);
 
@@ -231,7 +266,7 @@ TEST (ReverbTest, LowTonesBarelyReachTheReverb)
         for (auto& v : band)
             v = (float) (v * gain);
 
-        std::srand (1);
+        UnseededRand::restart();
         ReverbRig rig (rate);
         const auto wet = wetOnly (rig, { band, band }, rate);
         wetLevel[b] = rms (wet.left, length / 4, length) + rms (wet.right, length / 4, length);
