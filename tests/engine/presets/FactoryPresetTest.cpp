@@ -3,6 +3,10 @@
 // writes presets, exact through a host recall, and audible.
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <limits>
+#include <vector>
+
 #include "PresetTestSupport.h"
 #include "engine/support/TestProcessor.h"
 
@@ -15,25 +19,84 @@ juce::Array<juce::File> factoryFiles()
     return files;
 }
 
-// Plays a chord for one second and lets it ring for another; returns the output's RMS, which is NaN
-// when any sample is not finite.
-double chordRms (KestruneAudioProcessor& p)
+// A phrase that suits the type: a bass line, a melody, or two four-note chords; each note as
+// (key, start and length in blocks of 512 at 48 kHz), the whole 4.5 s long with its tail.
+struct PhraseNote { int key, start, length; };
+std::vector<PhraseNote> phraseFor (const juce::String& type)
 {
+    if (type == "Bass")
+        return { { 36, 0, 37 }, { 36, 47, 37 }, { 43, 94, 37 }, { 41, 141, 84 }, { 36, 234, 94 } };
+    if (type == "Lead")
+        return { { 60, 0, 47 }, { 64, 47, 47 }, { 67, 94, 47 }, { 72, 141, 94 }, { 67, 234, 94 } };
+    std::vector<PhraseNote> chords;
+    for (const int key : { 48, 55, 60, 64 })
+        chords.push_back ({ key, 0, 141 });
+    for (const int key : { 53, 57, 60, 65 })
+        chords.push_back ({ key, 141, 141 });
+    return chords;
+}
+
+// Integrated loudness in LUFS as a listener's meter gives it (K-weighted, 400 ms blocks gated at
+// -70 LUFS and 10 LU below their mean); NaN when any sample is not finite.
+double phraseLoudness (KestruneAudioProcessor& p, const juce::String& type)
+{
+    struct Biquad
+    {
+        double b0, b1, b2, a1, a2, x1 = 0, x2 = 0, y1 = 0, y2 = 0;
+        double operator() (double x)
+        {
+            const double y = b0 * x + b1 * x1 + b2 * x2 - a1 * y1 - a2 * y2;
+            x2 = x1, x1 = x, y2 = y1, y1 = y;
+            return y;
+        }
+    };
+    const auto phrase = phraseFor (type);
+    std::vector<double> power; // K-weighted power of each 100 ms, both channels summed
+    Biquad shelf[2] { { 1.53512485958697, -2.69169618940638, 1.19839281085285, -1.69065929318241, 0.73248077421585 },
+                      { 1.53512485958697, -2.69169618940638, 1.19839281085285, -1.69065929318241, 0.73248077421585 } };
+    Biquad highPass[2] { { 1, -2, 1, -1.99004745483398, 0.99007225036621 }, { 1, -2, 1, -1.99004745483398, 0.99007225036621 } };
     juce::AudioBuffer<float> buffer (2, 512);
-    double energy = 0.0;
-    for (int block = 0; block < 200; ++block)
+    double sum = 0.0;
+    int counted = 0;
+    for (int block = 0; block < 422; ++block)
     {
         juce::MidiBuffer midi;
-        for (const int note : { 48, 55, 60, 64 })
-            if (block == 0 || block == 100)
-                midi.addEvent (block == 0 ? juce::MidiMessage::noteOn (1, note, (juce::uint8) 100) : juce::MidiMessage::noteOff (1, note), 0);
+        for (const auto& note : phrase)
+        {
+            if (block == note.start)
+                midi.addEvent (juce::MidiMessage::noteOn (1, note.key, (juce::uint8) 100), 0);
+            if (block == note.start + note.length)
+                midi.addEvent (juce::MidiMessage::noteOff (1, note.key), 0);
+        }
         buffer.clear();
         p.processBlock (buffer, midi);
-        for (int ch = 0; ch < 2; ++ch)
-            for (int s = 0; s < buffer.getNumSamples(); ++s)
-                energy += (double) buffer.getSample (ch, s) * buffer.getSample (ch, s);
+        for (int s = 0; s < 512; ++s)
+        {
+            for (int ch = 0; ch < 2; ++ch)
+            {
+                const double k = highPass[ch] (shelf[ch] (buffer.getSample (ch, s)));
+                sum += k * k;
+            }
+            if (++counted == 4800)
+                power.push_back (sum / 4800.0), sum = 0.0, counted = 0;
+        }
     }
-    return std::sqrt (energy / (200.0 * 512.0 * 2.0));
+    const auto lufs = [] (double z) { return -0.691 + 10.0 * std::log10 (z); };
+    std::vector<double> blocks;
+    for (size_t i = 3; i < power.size(); ++i)
+        blocks.push_back ((power[i - 3] + power[i - 2] + power[i - 1] + power[i]) / 4.0);
+    const auto gatedMean = [&] (double gate)
+    {
+        double total = 0.0;
+        int n = 0;
+        for (const double z : blocks)
+            if (! std::isfinite (z))
+                return std::numeric_limits<double>::quiet_NaN();
+            else if (lufs (z) > gate)
+                total += z, ++n;
+        return n > 0 ? lufs (total / n) : -1000.0;
+    };
+    return gatedMean (gatedMean (-70.0) - 10.0);
 }
 } // namespace
 
@@ -61,7 +124,7 @@ TEST (FactoryPresets, AreCompleteDescribedAndInRange)
     EXPECT_GE (authors.size(), 3u);
 }
 
-TEST (FactoryPresets, LoadExactlySurviveASaveAndAHostRecallAndSound)
+TEST (FactoryPresets, LoadExactlySurviveASaveAndAHostRecallAndSoundAlikeInLoudness)
 {
     ScopedTempHome home;
     home.library().createDirectory();
@@ -73,6 +136,7 @@ TEST (FactoryPresets, LoadExactlySurviveASaveAndAHostRecallAndSound)
     ASSERT_EQ ((int) manager.getNumPresets(), factoryFiles().size());
     int modifiedReports = 0;
     manager.onProgramModified = [&] { ++modifiedReports; };
+    double loudest = -1000.0, quietest = 0.0;
 
     for (size_t i = 0; i < manager.getNumPresets(); ++i)
     {
@@ -102,9 +166,15 @@ TEST (FactoryPresets, LoadExactlySurviveASaveAndAHostRecallAndSound)
         const_cast<velkaro::Preset*> (preset)->updateInfoAndSave (preset->getInfo());
         EXPECT_EQ (preset->file.loadFileAsString(), before);
 
-        p.setStateInformation (nullptr, 0); // silences the delay between presets, keeps the values
-        p.prepareToPlay (48000.0, 512);
-        EXPECT_GT (chordRms (p), 1e-3) << "finite and audible";
+        // Heard on its own in a fresh instance, so no tail of the one before counts.
+        TestProcessor listener (48000.0, 512);
+        listener.processor->setStateInformation (block.getData(), (int) block.getSize());
+        const double loudness = phraseLoudness (*listener.processor, preset->type);
+        EXPECT_GT (loudness, -30.0) << "finite and audible";
+        loudest = std::max (loudest, loudness);
+        quietest = std::min (quietest, loudness);
     }
+    // Stepping through the set with "»" never jumps by more than a listener accepts.
+    EXPECT_LT (loudest - quietest, 6.0);
     EXPECT_EQ (modifiedReports, 0) << "loading a factory preset is no edit";
 }
