@@ -42,6 +42,8 @@ public:
     static void copyFactoryPresetsIfEmpty (const juce::File& folder, const juce::File& factoryPresets);
 
     void scanPresets();
+    // Reads the library again; the loaded program stays with its file, so it can still be updated and
+    // stepped on from, as long as that file is still there.
     void reload();
     void addPreset (std::unique_ptr<juce::XmlElement> xml, const juce::File& file);
 
@@ -63,6 +65,10 @@ public:
     size_t getCurrentIndex() const { return currentIndex; }
 
     void loadPreset (const Preset* preset);
+
+    // Makes the record read from `file` the loaded program's preset (its text taken from the record) and
+    // selects it in the list in force; the parameters are left as they are. False if no record has that file.
+    bool attachCurrentTo (const juce::File& file);
 
     // Takes the present state as the reference for "edited" and, after a load, re-arms the edit latch.
     void rebaseline();
