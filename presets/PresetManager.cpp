@@ -237,6 +237,12 @@ std::vector<Preset*> PresetManager::getPresets() const
     return all;
 }
 
+bool PresetManager::isNameInUse (const juce::String& name) const
+{
+    return std::any_of (presets.begin(), presets.end(),
+                        [&name] (const auto& preset) { return preset->name == name && preset->file != juce::File(); });
+}
+
 Preset* PresetManager::entryInForce (size_t index) const
 {
     if (activeFilter.has_value())

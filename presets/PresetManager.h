@@ -57,6 +57,10 @@ public:
     size_t getVisibleCount() const { return visibleCount; }
     size_t getNumPresets() const { return presets.size(); }
 
+    // Whether a preset of the library bears `name`. The stand-in of an empty library has no file and is
+    // the program itself, so its name is free for the first real preset.
+    bool isNameInUse (const juce::String& name) const;
+
     void selectPreset (size_t index);
     void selectNext();
     void selectPrevious();
@@ -101,7 +105,7 @@ private:
     std::vector<std::unique_ptr<Preset>> presets;
 
 public:
-    // Read directly by the filter tree, the metadata table and the program panel.
+    // Read directly by the filter tree and the metadata table.
     std::set<juce::String> types;
     std::set<juce::String> authors;
     std::map<juce::String, int> names;

@@ -86,7 +86,7 @@ void ProgramPanel::textPropertyComponentChanged (juce::TextPropertyComponent* pr
 
 void ProgramPanel::checkName (const juce::String& name)
 {
-    if (manager.names.find (name) != manager.names.end())
+    if (manager.isNameInUse (name))
     {
         hint.setText ("Another preset already has this name", juce::dontSendNotification);
         canUpdate = false;

@@ -5,18 +5,14 @@
 
 namespace
 {
-juce::String attributeIn (const juce::File& file, const char* tag, const char* attribute)
+// An attribute of a preset file's child: the first of that tag, or the "PARAM" of that id.
+juce::String attributeIn (const juce::File& file, const char* tagOrId, const char* attribute)
 {
     const auto xml = juce::XmlDocument::parse (file);
-    const auto* element = xml != nullptr ? xml->getChildByName (tag) : nullptr;
+    const auto* element = xml == nullptr ? nullptr : xml->getChildByName (tagOrId);
+    if (xml != nullptr && element == nullptr)
+        element = xml->getChildByAttribute ("id", tagOrId);
     return element != nullptr ? element->getStringAttribute (attribute) : "(none)";
-}
-
-double volumeIn (const juce::File& file)
-{
-    const auto xml = juce::XmlDocument::parse (file);
-    const auto* param = xml != nullptr ? xml->getChildByAttribute ("id", "volume") : nullptr;
-    return param != nullptr ? param->getDoubleAttribute ("value") : -1.0;
 }
 } // namespace
 
@@ -40,7 +36,7 @@ TEST_F (BrowserFixture, SaveEditAndSaveAgainEachWriteLandsInTheFile)
     enterText (*program.typeProperty, "Keys");
     click (program.updateButton);
     EXPECT_EQ (attributeIn (alpha, "PROGRAM", "TYPE"), "Keys");
-    EXPECT_NEAR (volumeIn (alpha), 0.65, 1e-6);
+    EXPECT_NEAR (attributeIn (alpha, "volume", "value").getDoubleValue(), 0.65, 1e-6);
     EXPECT_FALSE (program.updateButton.isEnabled() || program.saveNewButton.isEnabled()) << "one click saves once";
     EXPECT_EQ (program.hint.getText(), "");
 
@@ -73,15 +69,18 @@ TEST_F (BrowserFixture, SaveEditAndSaveAgainEachWriteLandsInTheFile)
 
 TEST_F (BrowserFixture, SaveNewMakesALibraryFileOfAnyNameAndSaysWhenItFails)
 {
+    // The state the plug-in started with has no file: it is offered under its own name at once, also
+    // when it stands in for an empty library.
+    openEditor();
+    click (toolbar().saveButton);
+    EXPECT_EQ (programPanel().hint.getText(), "Filename for save new will be: [init].xml");
+    EXPECT_TRUE (programPanel().saveNewButton.isEnabled());
+
     writePreset ("a.xml", "Alpha", "Pad", "Ann");
     writePreset ("b.xml", "Bravo", "Bass", "Bob");
     openEditor();
     auto& program = programPanel();
-
-    // The state the plug-in started with has no file: it is offered under its own name at once.
     click (toolbar().saveButton);
-    EXPECT_EQ (program.hint.getText(), "Filename for save new will be: [init].xml");
-    EXPECT_TRUE (program.saveNewButton.isEnabled());
 
     struct Case { const char* typed; const char* hint; };
     const Case cases[] = {
