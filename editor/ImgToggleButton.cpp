@@ -68,7 +68,8 @@ void ImgToggleButton::addTap (juce::uint32 timeMs)
     {
         // Unsigned differences stay right across a wrap of the millisecond counter.
         const juce::uint32 sum = (tapTimes[1] - tapTimes[0]) + (tapTimes[2] - tapTimes[1]) + (tapTimes[3] - tapTimes[2]);
-        tapInterval = juce::roundToInt ((double) sum / 3.0);
+        tapMeanMs = (double) sum / 3.0;
+        tapInterval = juce::roundToInt (tapMeanMs);
         tapIntervalIsNew = true;
         tapCount = 0;
     }

@@ -19,6 +19,8 @@ public:
     void paint (juce::Graphics&) override;
 
     int getTapInterval() const noexcept { return tapInterval; }
+    // The same mean before rounding: four beats of it are a bar to the millisecond.
+    double getTapMeanMs() const noexcept { return tapMeanMs; }
     bool hasNewTapInterval() const noexcept { return tapIntervalIsNew; }
     void clearNewTapInterval() noexcept { tapIntervalIsNew = false; }
 
@@ -42,6 +44,7 @@ private:
 
     std::array<juce::uint32, 4> tapTimes {};
     int tapInterval = -1;
+    double tapMeanMs = -1.0;
     int tapCount = 0;
     bool tapIntervalIsNew = false;
 

@@ -405,12 +405,16 @@ void MainWindow::timerCallback()
 
     if (tapButton.hasNewTapInterval())
     {
-        const auto& row = parameterTable[ParameterIndex::time];
-        const int interval = tapButton.getTapInterval();
-        const int t = interval * 4;
-        const float normalised = (float) (t - row.min) / (float) (row.max - row.min);
-        if (auto* timeParameter = parameters.getParameter (row.id))
-            timeParameter->setValueNotifyingHost (normalised);
+        // Four beats of the tapped tempo, through the parameter's own skew (a linear position would
+        // land far from the time tapped), as one gesture: one undo step, one automation touch.
+        const auto barMs = (float) (4.0 * tapButton.getTapMeanMs());
+        auto* timeParameter = parameters.getParameter (parameterTable[ParameterIndex::time].id);
+        if (timeParameter != nullptr && barMs > 0.0f)
+        {
+            timeParameter->beginChangeGesture();
+            timeParameter->setValueNotifyingHost (timeParameter->convertTo0to1 (barMs));
+            timeParameter->endChangeGesture();
+        }
         tapButton.clearNewTapInterval();
     }
 }

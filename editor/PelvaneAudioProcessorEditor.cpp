@@ -26,9 +26,8 @@ PelvaneAudioProcessorEditor::PelvaneAudioProcessorEditor (KestruneAudioProcessor
     if (mainWindow->isVisible())
         applyScale();
 
-    // The library may have changed on disk while no editor was open; the count starts once all is built.
+    // The library may have changed on disk while no editor was open; the loaded preset stays loaded.
     processor.presetManager.reload();
-    mainWindow->presetsToolbar.unitsPerModification = 90;
 }
 
 PelvaneAudioProcessorEditor::~PelvaneAudioProcessorEditor()

@@ -112,7 +112,9 @@ void PresetManager::scanPresets()
 
 void PresetManager::reload()
 {
-    // The records are about to be destroyed; the program keeps its text and trees.
+    // The records are about to be destroyed; the program keeps its text and trees, and finds its
+    // record again by the file.
+    const auto loadedFile = current->preset != nullptr ? current->preset->file : juce::File();
     current->preset = nullptr;
     currentPreset = nullptr;
 
@@ -131,6 +133,32 @@ void PresetManager::reload()
 
     if (activeFilter.has_value())
         setFilter (*activeFilter);
+
+    if (loadedFile != juce::File())
+        attachCurrentTo (loadedFile);
+}
+
+bool PresetManager::attachCurrentTo (const juce::File& file)
+{
+    const auto found = std::find_if (presets.begin(), presets.end(), [&file] (const auto& p) { return p->file == file; });
+    if (file == juce::File() || found == presets.end())
+        return false;
+
+    const auto* preset = found->get();
+    current->preset = preset;
+    current->name = preset->name;
+    current->author = preset->author;
+    current->type = preset->type;
+    current->notes = preset->notes;
+    currentPreset = preset;
+
+    const auto inForce = getPresets();
+    const auto position = std::find (inForce.begin(), inForce.end(), preset);
+    if (position != inForce.end())
+        moveSelectionTo ((size_t) (position - inForce.begin()));
+
+    onPresetChange (currentPreset);
+    return true;
 }
 
 void PresetManager::addPreset (std::unique_ptr<juce::XmlElement> xml, const juce::File& file)
@@ -207,6 +235,12 @@ std::vector<Preset*> PresetManager::getPresets() const
     for (const auto& preset : presets)
         all.push_back (preset.get());
     return all;
+}
+
+bool PresetManager::isNameInUse (const juce::String& name) const
+{
+    return std::any_of (presets.begin(), presets.end(),
+                        [&name] (const auto& preset) { return preset->name == name && preset->file != juce::File(); });
 }
 
 Preset* PresetManager::entryInForce (size_t index) const

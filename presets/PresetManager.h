@@ -42,6 +42,8 @@ public:
     static void copyFactoryPresetsIfEmpty (const juce::File& folder, const juce::File& factoryPresets);
 
     void scanPresets();
+    // Reads the library again; the loaded program stays with its file, so it can still be updated and
+    // stepped on from, as long as that file is still there.
     void reload();
     void addPreset (std::unique_ptr<juce::XmlElement> xml, const juce::File& file);
 
@@ -55,6 +57,10 @@ public:
     size_t getVisibleCount() const { return visibleCount; }
     size_t getNumPresets() const { return presets.size(); }
 
+    // Whether a preset of the library bears `name`. The stand-in of an empty library has no file and is
+    // the program itself, so its name is free for the first real preset.
+    bool isNameInUse (const juce::String& name) const;
+
     void selectPreset (size_t index);
     void selectNext();
     void selectPrevious();
@@ -63,6 +69,10 @@ public:
     size_t getCurrentIndex() const { return currentIndex; }
 
     void loadPreset (const Preset* preset);
+
+    // Makes the record read from `file` the loaded program's preset (its text taken from the record) and
+    // selects it in the list in force; the parameters are left as they are. False if no record has that file.
+    bool attachCurrentTo (const juce::File& file);
 
     // Takes the present state as the reference for "edited" and, after a load, re-arms the edit latch.
     void rebaseline();
@@ -95,7 +105,7 @@ private:
     std::vector<std::unique_ptr<Preset>> presets;
 
 public:
-    // Read directly by the filter tree, the metadata table and the program panel.
+    // Read directly by the filter tree and the metadata table.
     std::set<juce::String> types;
     std::set<juce::String> authors;
     std::map<juce::String, int> names;

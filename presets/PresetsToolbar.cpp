@@ -65,9 +65,11 @@ PresetsToolbar::~PresetsToolbar()
 
 int PresetsToolbar::getModificationCount() const
 {
-    if (undoManager == nullptr || unitsPerModification == 0)
+    // Each gesture opens a transaction of its own, and the framework's stored units say nothing of how
+    // many there are (one parameter write is one action of some tens of units): count the transactions.
+    if (undoManager == nullptr)
         return 0;
-    return undoManager->getNumberOfUnitsTakenUpByStoredCommands() / unitsPerModification;
+    return undoManager->getUndoDescriptions().size() + undoManager->getRedoDescriptions().size();
 }
 
 void PresetsToolbar::updateUndoColour()
@@ -128,6 +130,9 @@ void PresetsToolbar::deleteAllModifications()
 {
     if (undoManager == nullptr || undoManager->isPerformingUndoRedo())
         return;
+
+    // The last gesture may not have reached the tree yet; it must be in the history to be undone.
+    manager.getState().copyState();
 
     const auto mods = getModificationCount();
     for (int i = 0; i < mods + 1; ++i)

@@ -25,7 +25,7 @@ public:
     void lookAndFeelChanged() override;
     void timerCallback() override;
 
-    // Stored undo units over unitsPerModification: it follows the history, not the distance from the preset.
+    // Stored undo steps, one per gesture: it follows the history, not the distance from the preset.
     int getModificationCount() const;
 
     void undoClicked();
@@ -45,8 +45,6 @@ public:
     ClickLabel statusLabel { "compare" };
     ProgramPanel programPanel;
     PresetsPanel presetsPanel;
-
-    int unitsPerModification = 0; // set once the editor is assembled
 
 private:
     void updateUndoColour();

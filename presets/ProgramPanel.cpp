@@ -49,17 +49,25 @@ void ProgramPanel::visibilityChanged()
     if (! isVisible())
         return;
 
+    // Every opening starts from the program as it is now; nothing is left over from an earlier one.
     const auto& program = manager.getCurrentProgram();
     nameValue = program.name;
-    fileValue = program.preset != nullptr ? program.preset->file.getFullPathName() : juce::String();
     typeValue = program.type;
     authorValue = program.author;
     notesValue = program.notes;
 
-    hasFile = fileValue.toString().isNotEmpty();
-    updateButton.setEnabled (program.isModified && hasFile);
-    saveNewButton.setEnabled (! hasFile);
+    hasFile = program.preset != nullptr && program.preset->file != juce::File();
+    canUpdate = program.isModified && hasFile;
+    canSaveNew = ! hasFile;
+    nameTaken = false;
+    fileValue = fileStemFor (program.name);
     hint.setText ("To save a new preset copy, edit the name", juce::dontSendNotification);
+
+    // A program without a file can be saved as it is, under its own name if that is free.
+    if (! hasFile)
+        checkName (program.name);
+
+    enableButtons();
     properties.refreshAll();
 }
 
@@ -68,31 +76,51 @@ void ProgramPanel::textPropertyComponentChanged (juce::TextPropertyComponent* pr
     const auto text = property->getText().trim();
     property->setText (text);
 
-    if (property != nameProperty)
-    {
+    if (property == nameProperty)
+        checkName (text);
+    else
         canUpdate = hasFile && ! nameTaken;
-    }
-    else if (manager.names.find (text) != manager.names.end())
+
+    enableButtons();
+}
+
+void ProgramPanel::checkName (const juce::String& name)
+{
+    if (manager.isNameInUse (name))
     {
         hint.setText ("Another preset already has this name", juce::dontSendNotification);
         canUpdate = false;
         canSaveNew = false;
         nameTaken = true;
-    }
-    else
-    {
-        // A program without a file has nothing to update, whatever its name.
-        canUpdate = hasFile;
-        canSaveNew = true;
-        nameTaken = false;
-
-        const auto fileName = juce::File::createLegalPathName (text);
-        fileValue = fileName;
-        hint.setText ("Filename for save new will be: " + fileName, juce::dontSendNotification);
+        return;
     }
 
+    // A program without a file has nothing to update, whatever its name.
+    canUpdate = hasFile;
+    canSaveNew = true;
+    nameTaken = false;
+    fileValue = fileStemFor (name);
+    hint.setText ("Filename for save new will be: " + newPresetFile().getFileName(), juce::dontSendNotification);
+}
+
+void ProgramPanel::enableButtons()
+{
     saveNewButton.setEnabled (canSaveNew);
     updateButton.setEnabled (canUpdate);
+}
+
+juce::String ProgramPanel::fileStemFor (const juce::String& name)
+{
+    // Separators and leading dots would make a path or a hidden file of it.
+    const auto stem = juce::File::createLegalFileName (name.removeCharacters ("\r\n\t"))
+                          .trimCharactersAtStart (". ")
+                          .trimCharactersAtEnd (". ");
+    return stem.isNotEmpty() ? stem : juce::String ("untitled");
+}
+
+juce::File ProgramPanel::newPresetFile() const
+{
+    return PresetManager::presetFolder().getNonexistentChildFile (fileValue.toString(), PresetIds::fileSuffix, true);
 }
 
 PresetInfo ProgramPanel::readFields() const
@@ -100,39 +128,44 @@ PresetInfo ProgramPanel::readFields() const
     return { nameValue.toString(), authorValue.toString(), typeValue.toString(), notesValue.toString() };
 }
 
-void ProgramPanel::writeProgram (const juce::ValueTree& parameterState, const PresetInfo& info, const juce::File& file)
+bool ProgramPanel::writeProgram (const juce::ValueTree& parameterState, const PresetInfo& info, const juce::File& file)
 {
-    // The result is not examined: a failed write leaves the old file as it was and says nothing.
-    if (const auto xml = withInfo (info, parameterState).createXml())
-        xml->writeTo (file, Preset::fileFormat());
+    const auto xml = withInfo (info, parameterState).createXml();
+    return xml != nullptr && xml->writeTo (file, Preset::fileFormat());
 }
 
 void ProgramPanel::update()
 {
-    const auto info = readFields();
-
-    if (const auto* preset = manager.getCurrentProgram().preset; preset != nullptr && preset->file.getFullPathName().isNotEmpty())
-        writeProgram (manager.getState().copyState(), info, preset->file);
-
-    afterSave();
+    if (const auto* preset = manager.getCurrentProgram().preset; preset != nullptr && preset->file != juce::File())
+        save (preset->file);
 }
 
 void ProgramPanel::saveNew()
 {
-    const auto info = readFields();
-    const auto file = PresetManager::presetFolder().getNonexistentChildFile (fileValue.toString(), PresetIds::fileSuffix, true);
-
-    writeProgram (manager.getState().copyState(), info, file);
-
-    afterSave();
+    PresetManager::presetFolder().createDirectory();
+    save (newPresetFile());
 }
 
-void ProgramPanel::afterSave()
+void ProgramPanel::save (const juce::File& file)
 {
+    // A failed write changes nothing: what was typed stays, and so do the buttons, for another try.
+    if (! writeProgram (manager.getState().copyState(), readFields(), file))
+    {
+        hint.setText ("failed!", juce::dontSendNotification);
+        return;
+    }
+
     reloadLibrary();
 
-    updateButton.setEnabled (false);
-    saveNewButton.setEnabled (false);
+    // The program now belongs to the file just written: the next "update" goes there, and the panel
+    // opens again with what was saved.
+    manager.attachCurrentTo (file);
+    const auto& program = manager.getCurrentProgram();
+    nameValue = program.name;
+    fileValue = fileStemFor (program.name);
+    hasFile = program.preset != nullptr;
+    canUpdate = canSaveNew = nameTaken = false;
+    enableButtons();
     hint.setText ({}, juce::dontSendNotification);
 }
 

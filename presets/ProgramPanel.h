@@ -26,15 +26,18 @@ public:
     void textPropertyComponentChanged (juce::TextPropertyComponent* property) override;
 
     // Writes the present parameter state with `info` into `file`; the old file stays whole until the
-    // new one is complete.
-    static void writeProgram (const juce::ValueTree& parameterState, const PresetInfo& info, const juce::File& file);
+    // new one is complete. False if the file could not be written.
+    static bool writeProgram (const juce::ValueTree& parameterState, const PresetInfo& info, const juce::File& file);
+
+    // The file name (without ".xml") that "save new" makes of a preset name: never a path, never hidden.
+    static juce::String fileStemFor (const juce::String& name);
 
     juce::PropertyPanel properties;
     juce::Label hint;
     juce::TextButton updateButton { "update" };
     juce::TextButton saveNewButton { "save new" };
     juce::TextButton closeButton { "close" };
-    juce::Value nameValue, fileValue, typeValue, authorValue, notesValue;
+    juce::Value nameValue, fileValue, typeValue, authorValue, notesValue; // fileValue: the stem for "save new"
     bool hasFile = true;
     bool canUpdate = false, canSaveNew = false, nameTaken = false;
     int fadeMs = 120;
@@ -51,7 +54,10 @@ private:
     PresetInfo readFields() const;
     void update();
     void saveNew();
-    void afterSave();
+    void checkName (const juce::String& name);
+    juce::File newPresetFile() const;
+    void save (const juce::File& file);
+    void enableButtons();
 
     PresetManager& manager;
 

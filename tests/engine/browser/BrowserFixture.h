@@ -31,6 +31,15 @@ protected:
         pump();
     }
 
+    // A mouse button let go over `component`, where a click ends.
+    static void release (juce::Component& component)
+    {
+        const auto now = juce::Time::getCurrentTime();
+        const juce::MouseEvent up (juce::Desktop::getInstance().getMainMouseSource(), { 1.0f, 1.0f }, {}, 0.0f, 0.0f, 0.0f,
+                                   0.0f, 0.0f, &component, &component, now, { 1.0f, 1.0f }, now, 1, false);
+        component.mouseUp (up);
+    }
+
     // Lets the toolbar see the editing state as its timer would, after the parameters reached the tree.
     void tick()
     {
