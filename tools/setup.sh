@@ -18,7 +18,7 @@ packages=(build-essential cmake pkgconf ccache dpkg-dev xz-utils patch
   libxext-dev libxinerama-dev libxrandr-dev libgl-dev
   libgtest-dev libgmock-dev libbenchmark-dev xvfb xauth
   fonts-dejavu-core clang libclang-rt-14-dev
-  libjack-jackd2-dev lv2-dev sordi)
+  libjack-jackd2-dev lv2-dev sordi x11-utils)
 
 missing=()
 for p in "${packages[@]}"; do
