@@ -70,6 +70,10 @@ std::unique_ptr<PluginHost> PluginHost::load (const juce::String& pathOrUri, dou
     {
         error = "cannot load plug-in " + pathOrUri + ": not a loadable " + format->getName()
                 + (byUri ? " plug-in (is its bundle in ~/.lv2 or /usr/lib/lv2?)" : " bundle");
+        // LV2 hosts know a plug-in by its URI and take the first bundle that declares it.
+        if (! byUri && format->getName() == "LV2" && juce::File (pathOrUri).getChildFile ("manifest.ttl").existsAsFile())
+            error << " (if a bundle with the same plug-in URI is installed in ~/.lv2 or /usr/lib/lv2, "
+                     "the host takes that one: remove it, or name the plug-in by its URI)";
         return nullptr;
     }
 
