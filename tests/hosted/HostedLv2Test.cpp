@@ -101,3 +101,19 @@ TEST (HostedLv2, StateRoundTripsThroughTheHost)
     const auto again = host->getState();
     EXPECT_EQ (juce::AudioProcessor::getXmlFromBinary (again.getData(), (int) again.getSize())->toString(), xml->toString());
 }
+
+TEST (HostedLv2, ShowsThePanelAsItsUi)
+{
+    if (juce::SystemStats::getEnvironmentVariable ("DISPLAY", {}).isEmpty())
+        GTEST_SKIP() << "needs an X display (xvfb-run)";
+    HostEnvironment environment;
+    auto host = loadLv2();
+    ASSERT_NE (host, nullptr);
+    std::unique_ptr<juce::AudioProcessorEditor> editor (host->getInstance().createEditor());
+    ASSERT_NE (editor, nullptr);
+    editor->addToDesktop (0);
+    editor->setVisible (true);
+    juce::MessageManager::getInstance()->runDispatchLoopUntil (300);
+    EXPECT_EQ (editor->getWidth() * 486, editor->getHeight() * 880) << editor->getWidth() << " x " << editor->getHeight();
+    EXPECT_GE (editor->getWidth(), 440);
+}
