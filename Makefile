@@ -3,7 +3,9 @@
 BUILD ?= build
 JOBS ?= $(shell nproc)
 VST3_DIR ?= $(HOME)/.vst3
+LV2_DIR ?= $(HOME)/.lv2
 BUNDLE = $(BUILD)/ondrivel_artefacts/Release/VST3/ondrivel.vst3
+LV2_BUNDLE = $(BUILD)/ondrivel_artefacts/Release/LV2/ondrivel.lv2
 CMAKE_FLAGS ?=
 # Hosted editor tests open real windows: give them a virtual display where there is none.
 WITH_DISPLAY = $(if $(DISPLAY),,$(if $(shell command -v xvfb-run),xvfb-run -a,))
@@ -12,7 +14,7 @@ export CCACHE_BASEDIR := $(CURDIR)
 # Debug builds (the sanitized one) would otherwise hash the directory and miss in every other clone.
 export CCACHE_NOHASHDIR := 1
 
-.PHONY: all setup configure build install demo test test-sanitize fuzz bench soak clean
+.PHONY: all setup configure build install demo package test test-sanitize fuzz bench soak clean
 
 all: install demo
 
@@ -23,13 +25,19 @@ configure: setup
 	@cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=Release $(CMAKE_FLAGS) >/dev/null
 
 build: configure
-	@cmake --build $(BUILD) -j $(JOBS) --target ondrivel_VST3 ondrivel-render
+	@cmake --build $(BUILD) -j $(JOBS) --target ondrivel_VST3 ondrivel_LV2 ondrivel_Standalone ondrivel-render
 
 install: build
-	@mkdir -p $(VST3_DIR)
-	@rm -rf $(VST3_DIR)/ondrivel.vst3
+	@mkdir -p $(VST3_DIR) $(LV2_DIR)
+	@rm -rf $(VST3_DIR)/ondrivel.vst3 $(LV2_DIR)/ondrivel.lv2
 	@cp -a $(BUNDLE) $(VST3_DIR)/ondrivel.vst3
-	@echo "installed $(VST3_DIR)/ondrivel.vst3"
+	@cp -a $(LV2_BUNDLE) $(LV2_DIR)/ondrivel.lv2
+	@echo "installed $(VST3_DIR)/ondrivel.vst3 and $(LV2_DIR)/ondrivel.lv2"
+	@echo "the program: $(BUILD)/ondrivel_artefacts/Release/Standalone/ondrivel"
+
+# A Debian package of all three (VST3, LV2, program) in $(BUILD); dependencies from dpkg-shlibdeps.
+package: build
+	@cd $(BUILD) && cpack -G DEB
 
 demo: install
 	@$(BUILD)/ondrivel-render --plugin $(VST3_DIR)/ondrivel.vst3 --out demo.wav --seconds 8 \

@@ -21,6 +21,7 @@ add_library(ondrivel_host STATIC ${ONDRIVEL_HOST_SOURCES} ${CMAKE_SOURCE_DIR}/co
 target_include_directories(ondrivel_host PUBLIC ${CMAKE_SOURCE_DIR}/tools/host ${CMAKE_SOURCE_DIR})
 target_compile_definitions(ondrivel_host PUBLIC
   JUCE_PLUGINHOST_VST3=1
+  JUCE_PLUGINHOST_LV2=1
   JUCE_WEB_BROWSER=0
   JUCE_USE_CURL=0
   JUCE_USE_FLAC=0
@@ -28,7 +29,8 @@ target_compile_definitions(ondrivel_host PUBLIC
   JUCE_MODAL_LOOPS_PERMITTED=1
   JUCE_STANDALONE_APPLICATION=1
   JUCE_DISPLAY_SPLASH_SCREEN=0
-  ONDRIVEL_DEFAULT_BUNDLE="${ONDRIVEL_BUNDLE}")
+  ONDRIVEL_DEFAULT_BUNDLE="${ONDRIVEL_BUNDLE}"
+  ONDRIVEL_DEFAULT_LV2_BUNDLE="${ONDRIVEL_LV2_BUNDLE}")
 target_link_libraries(ondrivel_host
   PRIVATE
     juce::juce_audio_utils)
@@ -40,4 +42,4 @@ endif()
 file(GLOB ONDRIVEL_RENDER_SOURCES CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tools/render/*.cpp)
 add_executable(ondrivel-render ${ONDRIVEL_RENDER_SOURCES})
 ondrivel_link_juce_library(ondrivel-render ondrivel_host)
-add_dependencies(ondrivel-render ondrivel_VST3)
+add_dependencies(ondrivel-render ondrivel_VST3 ondrivel_LV2)

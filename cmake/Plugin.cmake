@@ -12,7 +12,8 @@ juce_add_plugin(ondrivel
   IS_MIDI_EFFECT FALSE
   EDITOR_WANTS_KEYBOARD_FOCUS TRUE
   VST3_CATEGORIES Instrument Synth
-  FORMATS VST3 Standalone
+  LV2URI "https://ondrivel.example.org/plugins/ondrivel"
+  FORMATS VST3 LV2 Standalone
   COPY_PLUGIN_AFTER_BUILD FALSE)
 
 # Every source of the engine, presets and editor goes into the shared code that the tests link too.
@@ -33,6 +34,7 @@ target_compile_definitions(ondrivel PUBLIC
   JUCE_USE_OGGVORBIS=0
   JUCE_DISPLAY_SPLASH_SCREEN=0
   JUCE_MODAL_LOOPS_PERMITTED=1
+  JUCE_JACK=1
   ONDRIVEL_VERSION_STRING="${PROJECT_VERSION}")
 
 target_link_libraries(ondrivel
@@ -44,3 +46,7 @@ target_link_libraries(ondrivel
 # The framework's recommended config flags would add -O3 after our -O2; the optimisation level is ours.
 
 set(ONDRIVEL_BUNDLE "${CMAKE_BINARY_DIR}/ondrivel_artefacts/${CMAKE_BUILD_TYPE}/VST3/ondrivel.vst3")
+set(ONDRIVEL_LV2_BUNDLE "${CMAKE_BINARY_DIR}/ondrivel_artefacts/${CMAKE_BUILD_TYPE}/LV2/ondrivel.lv2")
+set(ONDRIVEL_LV2_URI "https://ondrivel.example.org/plugins/ondrivel")
+set(ONDRIVEL_PROGRAM "${CMAKE_BINARY_DIR}/ondrivel_artefacts/${CMAKE_BUILD_TYPE}/Standalone/ondrivel")
+include(${CMAKE_SOURCE_DIR}/cmake/Formats.cmake)

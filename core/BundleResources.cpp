@@ -37,9 +37,16 @@ juce::File BundleResources::resourcesFolderFor (const juce::File& moduleFile)
     if (moduleFile.isDirectory())
         return moduleFile.getChildFile ("Contents").getChildFile ("Resources");
 
-    const auto contents = moduleFile.getParentDirectory().getParentDirectory();
+    const auto folder = moduleFile.getParentDirectory();
+    const auto contents = folder.getParentDirectory();
     if (contents.getFileName() == "Contents")
         return contents.getChildFile ("Resources");
 
-    return moduleFile.getChildFile ("Contents").getChildFile ("Resources");
+    // An installed program (<prefix>/bin/name) keeps its files in <prefix>/share/name.
+    if (folder.getFileName() == "bin")
+        return contents.getChildFile ("share").getChildFile (moduleFile.getFileNameWithoutExtension());
+
+    // An LV2 bundle holds its library at the top, and a program in the build tree stands alone:
+    // both keep a "Resources" folder beside the binary.
+    return folder.getChildFile ("Resources");
 }

@@ -11,9 +11,10 @@ public:
     // executable when the code is linked into a program.
     static juce::File getModuleFile();
 
-    // "Contents/Resources" of the bundle that holds the module. A module at Contents/<arch>/name.so
-    // (Linux, Windows) leads to its bundle's folder; a bundle given as a folder (macOS) to its own.
-    // Anything else yields the module's own "Contents/Resources" child, which does not exist.
+    // The resources folder of the module. A VST3 module at Contents/<arch>/name.so (Linux, Windows)
+    // leads to its bundle's "Contents/Resources"; a bundle given as a folder (macOS) to its own; a
+    // program in <prefix>/bin to <prefix>/share/<name>; anything else (an LV2 bundle's library, a
+    // program in the build tree) to the "Resources" folder beside it.
     static juce::File resourcesFolderFor (const juce::File& moduleFile);
 
     static juce::File getResourcesFolder() { return resourcesFolderFor (getModuleFile()); }

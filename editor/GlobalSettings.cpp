@@ -2,6 +2,7 @@
 // Stored values are taken as they are: the limits in the table describe the settings, they bound nothing.
 #include "editor/GlobalSettings.h"
 
+#include "core/BundleResources.h"
 #include "core/XmlText.h"
 
 #include <cstdlib>
@@ -93,10 +94,7 @@ bool GlobalSettings::write() const
 
 juce::File bundleResourcesFolder()
 {
-    return juce::File::getSpecialLocation (juce::File::currentExecutableFile)
-        .getParentDirectory()
-        .getParentDirectory()
-        .getChildFile ("Resources");
+    return BundleResources::getResourcesFolder();
 }
 
 juce::File savedBackgroundFile()

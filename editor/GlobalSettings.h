@@ -21,7 +21,7 @@ struct GlobalSettings
     juce::File getFile() const { return juce::File (dataFolder + "Settings.xml"); }
 };
 
-// The bundle's Contents/Resources folder, found from the code's own binary (Contents/<arch>/ondrivel.so).
+// The resources folder of the plug-in or program that holds this code (VST3, LV2 or standalone).
 juce::File bundleResourcesFolder();
 
 // The text file that remembers the chosen background picture.

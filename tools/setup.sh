@@ -17,7 +17,8 @@ packages=(build-essential cmake pkgconf ccache dpkg-dev xz-utils patch
   zlib1g-dev libflac-dev libogg-dev libvorbis-dev libx11-dev libxcomposite-dev libxcursor-dev
   libxext-dev libxinerama-dev libxrandr-dev libgl-dev
   libgtest-dev libgmock-dev libbenchmark-dev xvfb xauth
-  fonts-dejavu-core clang libclang-rt-14-dev)
+  fonts-dejavu-core clang libclang-rt-14-dev
+  libjack-jackd2-dev lv2-dev sordi x11-utils)
 
 missing=()
 for p in "${packages[@]}"; do

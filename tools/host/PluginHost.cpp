@@ -28,31 +28,60 @@ juce::MemoryBlock withoutWrapperTrailer (const juce::MemoryBlock& stream)
         return stream;
     return { stream.getData(), blockSize };
 }
+// The LV2 wrapper saves the plug-in's block as base64 text under its "StateString" key.
+juce::String lv2StateString (const juce::String& turtle)
+{
+    const auto afterKey = turtle.fromFirstOccurrenceOf (":StateString>", false, false);
+    return afterKey.fromFirstOccurrenceOf ("\"", false, false).upToFirstOccurrenceOf ("\"", false, false);
+}
 } // namespace
 
 std::unique_ptr<PluginHost> PluginHost::load (const juce::File& bundle, double sampleRate, int blockSize,
                                               juce::String& error)
 {
-    if (! bundle.exists())
+    return load (bundle.getFullPathName(), sampleRate, blockSize, error);
+}
+
+bool PluginHost::isLv2Uri (const juce::String& text)
+{
+    return text.startsWith ("http://") || text.startsWith ("https://") || text.startsWith ("urn:");
+}
+
+std::unique_ptr<PluginHost> PluginHost::load (const juce::String& pathOrUri, double sampleRate, int blockSize,
+                                              juce::String& error)
+{
+    const bool byUri = isLv2Uri (pathOrUri);
+    if (! byUri && ! juce::File (pathOrUri).exists())
     {
-        error = "no plug-in at " + bundle.getFullPathName();
+        error = "no plug-in at " + pathOrUri;
         return nullptr;
     }
 
-    juce::VST3PluginFormat format;
+    // An LV2 plug-in is a bundle folder ending in .lv2 or a URI; everything else is taken for VST3.
+    std::unique_ptr<juce::AudioPluginFormat> format;
+    if (byUri || pathOrUri.trimCharactersAtEnd ("/").endsWithIgnoreCase (".lv2"))
+        format = std::make_unique<juce::LV2PluginFormat>();
+    else
+        format = std::make_unique<juce::VST3PluginFormat>();
+
     juce::OwnedArray<juce::PluginDescription> types;
-    format.findAllTypesForFile (types, bundle.getFullPathName());
+    format->findAllTypesForFile (types, pathOrUri);
     if (types.isEmpty())
     {
-        error = "cannot load plug-in " + bundle.getFullPathName() + ": not a loadable VST3 bundle";
+        error = "cannot load plug-in " + pathOrUri + ": not a loadable " + format->getName()
+                + (byUri ? " plug-in (is its bundle in ~/.lv2 or /usr/lib/lv2?)" : " bundle");
+        // LV2 hosts know a plug-in by its URI and take the first bundle that declares it.
+        if (! byUri && format->getName() == "LV2" && juce::File (pathOrUri).getChildFile ("manifest.ttl").existsAsFile())
+            error << " (if a bundle with the same plug-in URI is installed in ~/.lv2 or /usr/lib/lv2, "
+                     "the host takes that one: remove it, or name the plug-in by its URI)";
         return nullptr;
     }
 
     juce::String message;
-    auto instance = format.createInstanceFromDescription (*types[0], sampleRate, blockSize, message);
+    auto instance = format->createInstanceFromDescription (*types[0], sampleRate, blockSize, message);
     if (instance == nullptr)
     {
-        error = "cannot load plug-in " + bundle.getFullPathName() + ": "
+        error = "cannot load plug-in " + pathOrUri + ": "
                 + (message.isNotEmpty() ? message : juce::String ("the plug-in refused to start"));
         return nullptr;
     }
@@ -112,9 +141,11 @@ juce::AudioProcessorParameter* PluginHost::findParameter (const juce::String& pl
     const auto masked = juce::String (juce::VST3ClientExtensions::convertJuceParameterId (pluginParameterId, true));
     const auto full = juce::String (juce::VST3ClientExtensions::convertJuceParameterId (pluginParameterId, false));
 
+    // The LV2 host names a parameter by its URI, the plug-in's URI and ":" and the plug-in's id.
     for (auto* parameter : parameters)
         if (auto* hosted = dynamic_cast<juce::HostedAudioProcessorParameter*> (parameter))
-            if (hosted->getParameterID() == masked || hosted->getParameterID() == full)
+            if (const auto id = hosted->getParameterID();
+                id == masked || id == full || (isLv2() && id.fromLastOccurrenceOf (":", false, false) == pluginParameterId))
                 return parameter;
     return nullptr;
 }
@@ -213,6 +244,14 @@ juce::MemoryBlock PluginHost::getState()
     juce::MemoryBlock hostedState;
     instance->getStateInformation (hostedState);
 
+    if (isLv2())
+    {
+        juce::MemoryBlock block;
+        if (! block.fromBase64Encoding (lv2StateString (hostedState.toString())))
+            return {};
+        return block;
+    }
+
     const auto xml = juce::AudioProcessor::getXmlFromBinary (hostedState.getData(), (int) hostedState.getSize());
     if (xml == nullptr || ! xml->hasTagName (hostedStateTag))
         return {};
@@ -228,6 +267,21 @@ juce::MemoryBlock PluginHost::getState()
 
 void PluginHost::setState (const void* data, size_t size)
 {
+    if (isLv2())
+    {
+        // The LV2 host takes a whole saved state in Turtle: the current one, with the plug-in's block
+        // put in place of its own.
+        juce::MemoryBlock hostedState;
+        instance->getStateInformation (hostedState);
+        const auto turtle = hostedState.toString();
+        const auto old = lv2StateString (turtle);
+        if (old.isEmpty())
+            return;
+        const auto replaced = turtle.replace ("\"" + old + "\"", "\"" + juce::MemoryBlock (data, size).toBase64Encoding() + "\"");
+        instance->setStateInformation (replaced.toRawUTF8(), (int) replaced.getNumBytesAsUTF8());
+        return;
+    }
+
     juce::XmlElement hostedState (hostedStateTag);
     hostedState.createNewChildElement (componentStateTag)
         ->addTextElement (juce::MemoryBlock (data, size).toBase64Encoding());

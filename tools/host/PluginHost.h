@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
-// Loads a VST3 bundle through the framework's VST3 hosting, as a DAW does, and drives it offline:
-// parameters, scheduled MIDI, block rendering at a fixed tempo, and the plug-in's state block.
+// Loads a VST3 bundle, or an LV2 bundle or URI, through the framework's hosting, as a DAW does, and
+// drives it offline: parameters, scheduled MIDI, block rendering at a fixed tempo, and the plug-in's
+// state block.
 #pragma once
 
 #include <memory>
@@ -16,6 +17,10 @@ public:
     // Loads the first plug-in of the bundle and prepares it. On failure returns nullptr and says why.
     static std::unique_ptr<PluginHost> load (const juce::File& bundle, double sampleRate, int blockSize,
                                              juce::String& error);
+    // The same for a bundle path (.vst3 or .lv2) or an LV2 plug-in's URI.
+    static std::unique_ptr<PluginHost> load (const juce::String& pathOrUri, double sampleRate, int blockSize,
+                                             juce::String& error);
+    static bool isLv2Uri (const juce::String& text);
     ~PluginHost();
 
     juce::AudioPluginInstance& getInstance() noexcept { return *instance; }
@@ -64,6 +69,7 @@ private:
     };
 
     PluginHost (std::unique_ptr<juce::AudioPluginInstance>, const juce::PluginDescription&);
+    bool isLv2() const { return description.pluginFormatName == "LV2"; }
     void collectMidi (int numFrames);
 
     std::unique_ptr<juce::AudioPluginInstance> instance;

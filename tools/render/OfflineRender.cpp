@@ -119,7 +119,7 @@ bool OfflineRender::run (juce::String& summaryText, juce::String& error)
         auto* parameter = host->findParameter (setting.id);
         if (parameter == nullptr)
         {
-            error = "the plug-in " + options.plugin.getFullPathName() + " has no parameter '" + setting.id + "'";
+            error = "the plug-in " + options.plugin + " has no parameter '" + setting.id + "'";
             return false;
         }
         PluginHost::setParameterValue (*parameter, setting.value);

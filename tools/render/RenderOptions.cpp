@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstdlib>
 
+#include "PluginHost.h"
 #include "core/ParameterTable.h"
 
 namespace
@@ -159,7 +160,7 @@ bool RenderOptions::parse (const juce::StringArray& args, const juce::File& work
 
         if (option == "--plugin")
         {
-            options.plugin = path();
+            options.plugin = PluginHost::isLv2Uri (value) ? value : path().getFullPathName();
             hasPlugin = true;
         }
         else if (option == "--out")
@@ -262,7 +263,7 @@ bool RenderOptions::parse (const juce::StringArray& args, const juce::File& work
         }
     }
     if (! hasPlugin)
-        options.plugin = juce::File (ONDRIVEL_DEFAULT_BUNDLE);
+        options.plugin = ONDRIVEL_DEFAULT_BUNDLE;
     if (options.totalFrames() < 1)
     {
         error = "--seconds is shorter than one sample";
@@ -273,7 +274,7 @@ bool RenderOptions::parse (const juce::StringArray& args, const juce::File& work
 
 juce::String RenderOptions::usage()
 {
-    return "usage: ondrivel-render [--plugin PATH.vst3] --out FILE.wav [--seconds S] [--rate HZ] [--block N]\n"
+    return "usage: ondrivel-render [--plugin PATH.vst3|PATH.lv2|LV2-URI] --out FILE.wav [--seconds S] [--rate HZ] [--block N]\n"
            "                       [--notes NOTE:VEL:START:DUR[,...]] [--midi FILE.mid] [--set ID=VALUE ...]\n"
            "                       [--bpm BPM] [--state-in FILE] [--state-out FILE] [--preset FILE.xml] [--json]\n"
            "Renders the plug-in offline into a 32-bit float stereo WAV file. Defaults: the plug-in built by\n"

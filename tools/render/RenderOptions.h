@@ -22,7 +22,7 @@ struct RenderOptions
         double value;
     };
 
-    juce::File plugin;
+    juce::String plugin; // a bundle path (.vst3 or .lv2) or an LV2 URI
     juce::File out;
     juce::File midiFile;
     juce::File stateIn;
