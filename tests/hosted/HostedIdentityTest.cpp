@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
-// What a DAW sees when it loads the bundle: identity, buses, latency, programs, parameters and
-// their texts.
+// What a DAW sees when it loads the bundle: identity, bus layouts, latency, programs, parameters
+// and their texts.
 #include "hosted/HostedPlugin.h"
 
 using hosted::HostedPluginTest;
@@ -24,6 +24,18 @@ TEST_F (HostedPluginTest, BundleIsAStereoInstrumentWithoutLatencyOrTail)
     EXPECT_EQ (instance.getBus (false, 0)->getCurrentLayout(), juce::AudioChannelSet::stereo());
     EXPECT_EQ (instance.getTotalNumOutputChannels(), 2);
 
+    // A host asks, through the wrapper, which layouts the instrument takes: its own alone.
+    instance.releaseResources();
+    using Set = juce::AudioChannelSet;
+    for (const auto& [output, accepted] : { std::pair (Set::stereo(), true), std::pair (Set::mono(), false),
+                                            std::pair (Set::create5point1(), false) })
+    {
+        juce::AudioProcessor::BusesLayout layout;
+        layout.outputBuses.add (output);
+        EXPECT_EQ (instance.checkBusesLayoutSupported (layout), accepted) << output.getDescription();
+    }
+    EXPECT_TRUE (instance.setBusesLayout (instance.getBusesLayout()));
+
     for (double rate : { 44100.0, 48000.0, 96000.0 })
     {
         host->prepare (rate, 512);
@@ -34,7 +46,7 @@ TEST_F (HostedPluginTest, BundleIsAStereoInstrumentWithoutLatencyOrTail)
     EXPECT_EQ (host->getProgramNames(), juce::StringArray ("no name"));
 }
 
-TEST_F (HostedPluginTest, ExposesExactlyTheTableParametersInOrderAtTheirDefaults)
+TEST_F (HostedPluginTest, ExposesExactlyTheTableParametersInOrderAtTheirDefaultsWithTheirTexts)
 {
     const auto& parameters = host->getParameters();
     const auto state = hosted::stateXml (*host);
@@ -51,11 +63,8 @@ TEST_F (HostedPluginTest, ExposesExactlyTheTableParametersInOrderAtTheirDefaults
     // but are not counted among the plug-in's own.
     EXPECT_GT (host->getInstance().getParameters().size(), 1000);
     EXPECT_EQ (host->findParameter ("tap"), nullptr);
-}
 
-TEST_F (HostedPluginTest, ParameterTextsReachTheHostThroughTheWrapper)
-{
-    // One of each kind of text; the full tables are the parameter list's own tests.
+    // One of each kind of text reaches the host; the full tables are the parameter list's own tests.
     const std::tuple<const char*, double, const char*> cases[] = {
         { "time", 1000, "1000 ms" }, { "fmit", 0, "off" },   { "squeezeit", -1000, "-1000 mult" }, { "flangerit", -0.5, "-0.50" },
         { "reverb", 0.5, "" },       { "pitch", -20, "-19" }, { "pitch", 8, "+7" },                  { "volume", 1, "1.000" },

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 // The toolbar's arrows load presets in turn, wrapping around, inside the filtered list when the tree
-// filters it, and the browser's table highlight follows them.
+// filters it, and the browser's table highlight follows them; a reopened tree starts a new filter.
 #include "BrowserFixture.h"
 
 #include "presets/FilterTreeItem.h"
@@ -26,12 +26,10 @@ TEST_F (BrowserFixture, ArrowsStepThroughTheLibraryAndInsideAFilter)
     EXPECT_EQ (toolbar().nextButton.getButtonText(), juce::String (juce::CharPointer_UTF8 ("\xc2\xbb")));
     ASSERT_EQ (listedNames(), (std::vector<juce::String> { "Alpha", "Bravo", "Delta", "Charlie" }));
 
-    struct Step { bool next; const char* name; float volume; };
-    const Step unfiltered[] = {
-        { false, "Charlie", 0.3f }, // nothing selected: back to the last entry
-        { true, "Alpha", 0.1f }, { true, "Bravo", 0.2f }, { true, "Delta", 0.4f }, { true, "Charlie", 0.3f },
-        { true, "Alpha", 0.1f }, { false, "Charlie", 0.3f }, { false, "Delta", 0.4f },
-    };
+    struct Step { bool next; const char* name; float volume; int row = 0; };
+    const Step unfiltered[] = { { false, "Charlie", 0.3f }, // nothing selected: back to the last entry
+                                { true, "Alpha", 0.1f },    { true, "Bravo", 0.2f },  { true, "Delta", 0.4f }, { true, "Charlie", 0.3f },
+                                { true, "Alpha", 0.1f },    { false, "Charlie", 0.3f }, { false, "Delta", 0.4f } };
     for (const auto& step : unfiltered)
     {
         click (step.next ? toolbar().nextButton : toolbar().previousButton);
@@ -52,17 +50,14 @@ TEST_F (BrowserFixture, ArrowsStepThroughTheLibraryAndInsideAFilter)
     EXPECT_EQ (listedNames(), (std::vector<juce::String> { "Alpha", "Charlie", "Delta" }));
     EXPECT_EQ (browser().table.getNumRows(), 3);
 
-    const Step filtered[] = {
-        { true, "Alpha", 0.1f }, { true, "Charlie", 0.3f }, { true, "Delta", 0.4f }, { true, "Alpha", 0.1f },
-        { false, "Delta", 0.4f },
-    };
-    const int highlight[] = { 0, 1, 2, 0, 2 };
-    for (size_t i = 0; i < std::size (filtered); ++i)
+    const Step filtered[] = { { true, "Alpha", 0.1f, 0 }, { true, "Charlie", 0.3f, 1 }, { true, "Delta", 0.4f, 2 },
+                              { true, "Alpha", 0.1f, 0 }, { false, "Delta", 0.4f, 2 } };
+    for (const auto& step : filtered)
     {
-        click (filtered[i].next ? toolbar().nextButton : toolbar().previousButton);
-        EXPECT_EQ (toolbar().nameButton.getButtonText(), filtered[i].name);
-        EXPECT_FLOAT_EQ (plainValue ("volume"), filtered[i].volume);
-        EXPECT_EQ (browser().table.table.getSelectedRow(), highlight[i]) << "the table follows the arrows";
+        click (step.next ? toolbar().nextButton : toolbar().previousButton);
+        EXPECT_EQ (toolbar().nameButton.getButtonText(), step.name);
+        EXPECT_FLOAT_EQ (plainValue ("volume"), step.volume);
+        EXPECT_EQ (browser().table.table.getSelectedRow(), step.row) << "the table follows the arrows";
     }
 
     // A plain click on another row drops the others: only "Bass" is left.
@@ -78,4 +73,9 @@ TEST_F (BrowserFixture, ArrowsStepThroughTheLibraryAndInsideAFilter)
     EXPECT_FALSE (browser().isVisible());
     tick();
     EXPECT_TRUE (toolbar().saveButton.isEnabled());
+
+    // Reopened, the tree marks nothing: a click filters by that row alone, "Bass" does not come back.
+    click (toolbar().nameButton);
+    treeRow (tree, 0, 1).setSelected (true, true);
+    EXPECT_EQ (listedNames(), (std::vector<juce::String> { "Delta" }));
 }

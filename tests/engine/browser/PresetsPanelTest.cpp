@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 // The browser's table collects edits of many presets and writes them all at once; each file stays a
-// whole preset, and a refused name never becomes an edit.
+// whole preset, a refused name never becomes an edit, and a rebuilt tree starts a new filter.
 #include "BrowserFixture.h"
 
 #include "presets/FilterTreeItem.h"
@@ -52,16 +52,20 @@ TEST_F (BrowserFixture, BulkEditOfTypeAndAuthorLeavesEveryFileWhole)
         EXPECT_EQ (files[(size_t) i].loadFileAsString(), expected->toString (velkaro::Preset::fileFormat())) << names[i];
     }
     EXPECT_EQ (manager().authors, (std::set<juce::String> { "Ann", "Zed" }));
+
+    // The rebuilt tree marks nothing, and a click filters by that row alone: "Pad" does not come back.
+    browser().filterTree.root->getSubItem (1)->getSubItem (0)->setSelected (true, true);
+    EXPECT_EQ (listedNames(), (std::vector<juce::String> { "Alpha", "Bravo" }));
 }
 
-TEST_F (BrowserFixture, TableRefusesATakenNameWithItsMessage)
+TEST_F (BrowserFixture, ARefusedNameWaitsForItsCorrectionAndNeverClosesALaterEdit)
 {
     writePreset ("a.xml", "Alpha", "", "");
     writePreset ("b.xml", "Bravo", "", "");
     openEditor();
     click (toolbar().nameButton);
     auto& table = browser().table;
-    EXPECT_EQ (browser().filterTree.root->getSubItem (1)->getNumSubItems(), 1);
+    auto& cell = table.editor;
     EXPECT_EQ (dynamic_cast<velkaro::FilterTreeItem*> (browser().filterTree.root->getSubItem (1)->getSubItem (0))->text,
                juce::String (juce::CharPointer_UTF8 ("\xc2\xab None \xc2\xbb")));
 
@@ -77,23 +81,38 @@ TEST_F (BrowserFixture, TableRefusesATakenNameWithItsMessage)
         SCOPED_TRACE (c.typed);
         table.edits.clear();
         editCell (0, c.column, c.typed);
-        EXPECT_EQ (table.message.isVisible(), c.refused);
-        EXPECT_EQ (table.message.getText(), "Another preset already has this name");
-        EXPECT_EQ (table.editor.isBeingEdited(), c.refused) << "a refused text stays on show";
+        EXPECT_EQ (table.message.isVisible() && table.message.getText() == "Another preset already has this name", c.refused);
+        EXPECT_EQ (cell.isBeingEdited(), c.refused) << "a refused text stays on show";
         EXPECT_EQ (table.edits.empty(), c.refused);
         if (c.refused)
         {
-            EXPECT_TRUE (table.editor.isTimerRunning());
-            table.editor.timerCallback();
-            EXPECT_FALSE (table.editor.isBeingEdited());
-            EXPECT_FALSE (table.message.isVisible());
+            cell.timerCallback();
+            EXPECT_FALSE (cell.isBeingEdited() || table.message.isVisible());
             EXPECT_TRUE (table.edits.empty()) << "the refused text is thrown away";
         }
         else
-        {
             EXPECT_EQ (table.getCellText (0, c.column), c.typed);
-        }
     }
+
+    // Refused, then corrected while the refusal counts: the correction is taken at once, and a cell
+    // opened next stays open past the refusal's time for as long as the user types.
+    const auto typeAndReturn = [&cell] (const juce::String& text)
+    {
+        cell.getCurrentTextEditor()->setText (text, false);
+        cell.textEditorReturnKeyPressed (*cell.getCurrentTextEditor());
+    };
+    editCell (1, Column::nameColumn, "Alpha");
+    ASSERT_TRUE (cell.isBeingEdited());
+    typeAndReturn ("Bravissimo");
+    EXPECT_EQ (table.getCellText (1, Column::nameColumn), "Bravissimo");
+    EXPECT_FALSE (table.message.isVisible());
+    const auto now = juce::Time::getCurrentTime();
+    table.cellDoubleClicked (0, Column::authorColumn, { juce::Desktop::getInstance().getMainMouseSource(), {}, {}, 0, 0, 0, 0, 0,
+                                                        &table.table, &table.table, now, {}, now, 2, false });
+    pump (velkaro::PresetsMetadataTable::refusalMs + 300);
+    ASSERT_TRUE (cell.isBeingEdited()) << "the refusal's timer closed a later edit";
+    typeAndReturn ("Ann");
+    EXPECT_EQ (table.getCellText (0, Column::authorColumn), "Ann");
 }
 
 TEST_F (BrowserFixture, SnapshotOfTheOpenPresetsPanel)

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 // The editor opens at the remembered width with the panel's aspect, whatever the settings file holds,
-// follows host resizes, paints at every scale, and leaves no look behind when it closes.
+// follows host resizes, paints at every scale, and keeps its own look beside another instance's panel.
 #include "EditorFixture.h"
 
 namespace
@@ -8,37 +8,7 @@ namespace
 float panelScale (MainWindow& panel) { return panel.getTransform().mat00; }
 } // namespace
 
-TEST_F (EditorFixture, OpensAtTheRememberedWidthWithThePanelAspect)
-{
-    struct Case { const char* stored; int width; int height; };
-    const Case cases[] = {
-        { nullptr, 880, 486 }, { "440", 440, 243 }, { "1320", 1320, 729 }, { "3520", 3520, 1944 }, { "1200", 1200, 662 },
-    };
-    for (const auto& c : cases)
-    {
-        SCOPED_TRACE (c.stored != nullptr ? c.stored : "no file");
-        settingsFile().deleteFile();
-        if (c.stored != nullptr)
-            writeSettings (juce::String ("<ALLSETTINGS><SETTING ID=\"glb_wsz\" Value=\"") + c.stored + "\"/></ALLSETTINGS>");
-
-        auto& ed = openEditor();
-        EXPECT_EQ (ed.getWidth(), c.width);
-        EXPECT_EQ (ed.getHeight(), c.height);
-        // The panel is laid out at 880 and scaled as a whole to cover the editor.
-        EXPECT_EQ (panel().getBounds(), juce::Rectangle<int> (0, 0, 880, 486));
-        EXPECT_FLOAT_EQ (panelScale (panel()), (float) c.width / 880.0f);
-        EXPECT_EQ (panel().getBoundsInParent().getWidth(), c.width);
-        closeEditor();
-    }
-
-    // A width the user chose is the next editor's width.
-    openEditor().setSize (1500, 828);
-    closeEditor();
-    EXPECT_EQ (openEditor().getWidth(), 1500);
-    EXPECT_EQ (editor->getHeight(), 828);
-}
-
-TEST_F (EditorFixture, BrokenSettingsFilesGiveDefinedValuesAndAUsableEditor)
+TEST_F (EditorFixture, OpensAtTheRememberedWidthWhateverTheSettingsFileHolds)
 {
     // The file as found, what the record reads from it, and the width the editor opens at.
     struct Case { const char* name; const char* content; int tooltips, width, openGL, colours, editorWidth; };
@@ -47,7 +17,9 @@ TEST_F (EditorFixture, BrokenSettingsFilesGiveDefinedValuesAndAUsableEditor)
         { "empty", "", 1, 880, 0, 0, 880 },
         { "not xml", "\x01\x02 not <<< xml >", 1, 880, 0, 0, 880 },
         { "wrong root", "<SETTINGS><SETTING ID=\"glb_wsz\" Value=\"1200\"/></SETTINGS>", 1, 880, 0, 0, 880 },
-        { "width only", "<ALLSETTINGS><SETTING ID=\"glb_wsz\" Value=\"1200\"/></ALLSETTINGS>", 1, 1200, 0, 0, 1200 },
+        { "half", "<ALLSETTINGS><SETTING ID=\"glb_wsz\" Value=\"440\"/></ALLSETTINGS>", 1, 440, 0, 0, 440 },
+        { "width only", "<ALLSETTINGS><SETTING ID=\"glb_wsz\" Value=\"1320\"/></ALLSETTINGS>", 1, 1320, 0, 0, 1320 },
+        { "largest", "<ALLSETTINGS><SETTING ID=\"glb_wsz\" Value=\"3520\"/></ALLSETTINGS>", 1, 3520, 0, 0, 3520 },
         { "not a number", "<ALLSETTINGS><SETTING ID=\"glb_wsz\" Value=\"wide\"/></ALLSETTINGS>", 1, 0, 0, 0, 880 },
         { "leading digits", "<ALLSETTINGS><SETTING ID=\"glb_wsz\" Value=\" 1500px\"/></ALLSETTINGS>", 1, 1500, 0, 0, 1500 },
         { "negative", "<ALLSETTINGS><SETTING ID=\"glb_wsz\" Value=\"-20\"/></ALLSETTINGS>", 1, -20, 0, 0, 880 },
@@ -71,12 +43,20 @@ TEST_F (EditorFixture, BrokenSettingsFilesGiveDefinedValuesAndAUsableEditor)
         auto& ed = openEditor();
         EXPECT_EQ (ed.getWidth(), c.editorWidth);
         EXPECT_EQ (ed.getHeight(), (int) ((float) c.editorWidth * 0.55227274f));
+        // The panel is laid out at 880 and scaled as a whole to cover the editor.
+        EXPECT_EQ (panel().getBounds(), juce::Rectangle<int> (0, 0, 880, 486));
+        EXPECT_FLOAT_EQ (panelScale (panel()), (float) c.editorWidth / 880.0f);
         ed.createComponentSnapshot ({ 0, 0, 32, 32 }, true, 0.5f);
         ed.setSize (880, 486);
         closeEditor();
-
         EXPECT_EQ (storedSettings().windowWidth, 880) << "closing writes a clean file again";
     }
+
+    // A width the user chose is the next editor's width.
+    openEditor().setSize (1500, 828);
+    closeEditor();
+    EXPECT_EQ (openEditor().getWidth(), 1500);
+    EXPECT_EQ (editor->getHeight(), 828);
 }
 
 TEST_F (EditorFixture, HostResizeKeepsTheAspectAndThePanelPaintsAtEveryScale)
@@ -88,7 +68,6 @@ TEST_F (EditorFixture, HostResizeKeepsTheAspectAndThePanelPaintsAtEveryScale)
     {
         SCOPED_TRACE (c.width);
         ed.setSize (c.width, c.height);
-        EXPECT_EQ (ed.getWidth(), c.width);
         EXPECT_EQ (ed.getHeight(), c.expectedHeight);
         EXPECT_FLOAT_EQ (panelScale (panel()), (float) c.width / 880.0f);
 
@@ -104,32 +83,69 @@ TEST_F (EditorFixture, HostResizeKeepsTheAspectAndThePanelPaintsAtEveryScale)
     ed.setBounds (0, 0, 900, 300);
     panel().scaledWidth = 1320;
     panel().timerCallback();
-    EXPECT_EQ (ed.getWidth(), 1320);
-    EXPECT_EQ (ed.getHeight(), 729);
+    EXPECT_EQ (ed.getBounds(), juce::Rectangle<int> (0, 0, 1320, 729));
 }
 
-TEST_F (EditorFixture, TwoPanelsOpenAtOnceCloseInEitherOrder)
+TEST_F (EditorFixture, TwoInstancesPanelsKeepTheirOwnLookAndTooltipsWhicheverCloses)
 {
-    KestruneAudioProcessor second;
+    // What a user sees of a panel's look: the look-and-feel its controls draw with, and the font and
+    // box of a value text.
+    const auto lookOf = [] (MainWindow& w)
+    {
+        juce::Label* box = nullptr;
+        for (auto* child : w.sliders[ParameterIndex::time]->getChildren())
+            if (auto* label = dynamic_cast<juce::Label*> (child))
+                box = label;
+        return std::make_tuple (&w.sliders[ParameterIndex::time]->getLookAndFeel(), &w.presetsToolbar.nameButton.getLookAndFeel(),
+                                box->getFont().getHeight(), box->getBounds());
+    };
+    TestProcessor second;
     for (const bool firstClosesFirst : { true, false })
     {
+        SCOPED_TRACE (firstClosesFirst ? "first closes first" : "second closes first");
         openEditor();
-        std::unique_ptr<juce::AudioProcessorEditor> other (second.createEditor());
+        std::unique_ptr<PelvaneAudioProcessorEditor> other (dynamic_cast<PelvaneAudioProcessorEditor*> (second.processor->createEditor()));
+        auto& stays = firstClosesFirst ? *other : *editor;
+        auto& w = *stays.getMainWindow();
+        const auto before = lookOf (w);
+        EXPECT_EQ (std::get<0> (before), w.defaultLookAndFeel.get());
+        EXPECT_EQ (std::get<2> (before), 20.0f);
+
+        // Each panel's tooltips switch governs its own panel only.
+        auto& otherWindow = firstClosesFirst ? *editor->getMainWindow() : *other->getMainWindow();
+        otherWindow.tooltipsButton.triggerClick();
+        pump();
+        EXPECT_FALSE (otherWindow.tooltipWindow.shows (*otherWindow.sliders[ParameterIndex::time]));
+        EXPECT_TRUE (w.tooltipWindow.shows (*w.sliders[ParameterIndex::time]));
+        EXPECT_FALSE (w.tooltipWindow.shows (*otherWindow.sliders[ParameterIndex::time])) << "another panel's tip";
+        otherWindow.tooltipsButton.triggerClick();
+        pump();
+
+        // Closing one panel changes the process default; an on-screen panel hears of it as this does.
         if (firstClosesFirst)
-        {
             closeEditor();
-            // The other panel's look stays the default while it is open.
-            EXPECT_NE (dynamic_cast<velkaro::DromelleLookAndFeel_V1*> (&juce::LookAndFeel::getDefaultLookAndFeel()), nullptr);
-            other->createComponentSnapshot ({ 0, 0, 32, 32 }, true, 0.5f);
-            other.reset();
-        }
         else
-        {
             other.reset();
-            editor->createComponentSnapshot ({ 0, 0, 32, 32 }, true, 0.5f);
+        stays.sendLookAndFeelChange();
+        EXPECT_EQ (lookOf (w), before);
+        EXPECT_EQ (&juce::LookAndFeel::getDefaultLookAndFeel(), w.defaultLookAndFeel.get());
+        stays.createComponentSnapshot ({ 0, 0, 32, 32 }, true, 0.5f);
+        if (firstClosesFirst)
+            other.reset();
+        else
             closeEditor();
-        }
-        // The process default look-and-feel never points at a panel that has gone.
+        // The process default never points at a panel that has gone.
         EXPECT_EQ (dynamic_cast<velkaro::DromelleLookAndFeel_V1*> (&juce::LookAndFeel::getDefaultLookAndFeel()), nullptr);
     }
+}
+
+TEST_F (EditorFixture, BrandBarShowsTheBuildDateWithoutAPaddedDay)
+{
+    const std::pair<const char*, const char*> cases[] = { { "Mar  9 2025", "9 Mar 2025" }, { "Jan  1 2026", "1 Jan 2026" },
+                                                          { "Dec 25 2024", "25 Dec 2024" }, { "Oct 10 2030", "10 Oct 2030" } };
+    for (const auto& [compiler, shown] : cases)
+        EXPECT_EQ (MainWindow::displayDate (compiler), shown) << compiler;
+    openEditor();
+    EXPECT_TRUE (panel().brandBar.versionText.contains (" [" + MainWindow::displayDate (__DATE__) + "] "));
+    EXPECT_FALSE (panel().brandBar.versionText.trimEnd().contains ("  "));
 }

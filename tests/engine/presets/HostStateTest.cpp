@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 // The state block a host stores in its project: bad blocks change no value and leave no echo behind,
-// and a recall never counts as a library preset.
+// a recall never counts as a library preset, and values missing from a preset or a state are defined.
 #include <gtest/gtest.h>
 
 #include "PresetTestSupport.h"
@@ -14,6 +14,12 @@ std::array<float, numParameters> valuesOf (KestruneAudioProcessor& p)
     for (int i = 0; i < numParameters; ++i)
         values[(size_t) i] = p.getParameterValue (i);
     return values;
+}
+
+void setPlain (KestruneAudioProcessor& p, const char* id, float value)
+{
+    auto* param = p.parameters.getParameter (id);
+    param->setValueNotifyingHost (param->convertTo0to1 (value));
 }
 
 juce::MemoryBlock stateOf (KestruneAudioProcessor& p)
@@ -54,10 +60,7 @@ TEST (HostState, BadBlocksLeaveTheParametersButSilenceTheDelay)
                                                        { "reverb", 0.0f }, { "attack", 0.0f }, { "decay", 0.05f },
                                                        { "sustain", 0.0f }, { "release", 0.0f } };
     for (const auto& [id, value] : settings)
-    {
-        auto* param = p.parameters.getParameter (id);
-        param->setValueNotifyingHost (param->convertTo0to1 (value));
-    }
+        setPlain (p, id, value);
     const auto before = valuesOf (p);
 
     juce::MidiBuffer note;
@@ -130,4 +133,41 @@ TEST (HostState, ARecallIsNeverTakenForALibraryPreset)
     // Next starts again from the top of the list.
     manager.selectNext();
     EXPECT_EQ (manager.getCurrentPreset()->name, "First");
+}
+
+TEST (HostState, ValuesMissingFromAPresetAreKeptAndFromAHostStateDefaulted)
+{
+    ScopedTempHome home;
+    home.library().createDirectory();
+    home.library().getChildFile ("partial.xml").replaceWithText ("<ondrivel><PROGRAM NAME=\"partial\"/><PARAM id=\"volume\" "
+                                                                 "value=\"0.25\"/><PARAM id=\"gone\" value=\"3\"/></ondrivel>");
+    TestProcessor t, recalled;
+    auto& p = *t.processor;
+    setPlain (p, "timbre", 0.7f);
+    setPlain (p, "time", 900.0f);
+
+    // A preset written elsewhere sets what it names and leaves the rest as the user had it, through
+    // the host's save and recall too.
+    p.presetManager.selectPreset (0);
+    const auto block = stateOf (p);
+    recalled.processor->setStateInformation (block.getData(), (int) block.getSize());
+    for (auto* q : { &p, recalled.processor.get() })
+    {
+        EXPECT_FLOAT_EQ (q->getParameterValue (ParameterIndex::volume), 0.25f);
+        EXPECT_FLOAT_EQ (q->getParameterValue (ParameterIndex::timbre), 0.7f);
+        EXPECT_FLOAT_EQ (q->getParameterValue (ParameterIndex::time), 900.0f);
+    }
+
+    // A host state that names only the volume gives the others their defaults, and no program name.
+    juce::XmlElement partialState ("ondrivel");
+    auto* volume = partialState.createNewChildElement ("PARAM");
+    volume->setAttribute ("id", "volume");
+    volume->setAttribute ("value", 0.5);
+    juce::MemoryBlock partialBlock;
+    juce::AudioProcessor::copyXmlToBinary (partialState, partialBlock);
+    p.setStateInformation (partialBlock.getData(), (int) partialBlock.getSize());
+    EXPECT_FLOAT_EQ (p.getParameterValue (ParameterIndex::volume), 0.5f);
+    for (const int index : { (int) ParameterIndex::timbre, (int) ParameterIndex::time })
+        EXPECT_FLOAT_EQ (p.getParameterValue (index), (float) parameterTable[index].defaultValue) << parameterTable[index].id;
+    EXPECT_EQ (p.presetManager.getCurrentProgram().name, "[init]");
 }

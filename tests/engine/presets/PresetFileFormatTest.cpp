@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
-// The preset record and its file: text fields kept whatever they hold, and defined fields for documents
-// that lack them.
+// The preset record and its file: text fields kept whatever they hold.
 #include <gtest/gtest.h>
 
 #include "PresetTestSupport.h"
@@ -35,33 +34,5 @@ TEST (PresetFile, TextFieldsSurviveSpecialCharactersAndEmptyValues)
         // An empty field is written as an empty attribute, not dropped.
         EXPECT_TRUE (back->getChildByName ("PROGRAM")->hasAttribute ("AUTHOR"));
         EXPECT_TRUE (back->getChildByName ("NOTES")->hasAttribute ("TEXT"));
-    }
-}
-
-TEST (PresetFile, MissingMetadataFallsBackToInitAndEmptyFields)
-{
-    struct Case { const char* xml; const char* name; const char* type; const char* author; const char* notes; };
-    const Case cases[] = {
-        { "<ondrivel/>", "[init]", "", "", "" },
-        { "<x><PROGRAM/></x>", "[init]", "", "", "" },
-        { "<x><PROGRAM NAME=\"\"/></x>", "", "", "", "" },
-        { "<x><NOTES/><PROGRAM TYPE=\"t\"/></x>", "[init]", "t", "", "" },
-        { "<x><PROGRAM NAME=\"n\" AUTHOR=\"a\"/><NOTES TEXT=\"hi\"/><PROGRAM NAME=\"second\"/></x>", "n", "", "a", "hi" },
-    };
-    for (const auto& c : cases)
-    {
-        SCOPED_TRACE (c.xml);
-        const auto xml = juce::parseXML (c.xml);
-        ASSERT_NE (xml, nullptr);
-        // The library reads the file's record, a host recall reads the state tree: both agree.
-        const auto fromFile = Preset (*xml, {}).getInfo();
-        const auto fromState = velkaro::readInfo (juce::ValueTree::fromXml (*xml));
-        for (const auto& info : { fromFile, fromState })
-        {
-            EXPECT_EQ (info.name, c.name);
-            EXPECT_EQ (info.type, c.type);
-            EXPECT_EQ (info.author, c.author);
-            EXPECT_EQ (info.notes, c.notes);
-        }
     }
 }
