@@ -1,14 +1,10 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
-// The library on disk: duplicate names, files written elsewhere, and the fallback preset when there is
-// no library.
-#include <sys/stat.h>
-
+// The library on disk: text fields kept whatever they hold, duplicate names, files written elsewhere,
+// and the fallback preset when there is no library.
 #include <gtest/gtest.h>
 
 #include "PresetTestSupport.h"
 #include "engine/support/TestProcessor.h"
-
-using Names = std::vector<juce::String>;
 
 namespace
 {
@@ -27,6 +23,22 @@ juce::MemoryBlock utf16 (const juce::String& text, bool bigEndian)
 }
 } // namespace
 
+TEST (PresetLibrary, TextFieldsSurviveSpecialCharactersAndEmptyValues)
+{
+    ScopedTempHome home;
+    const auto file = home.folder.getChildFile ("special.xml");
+    const juce::String cases[] = { "a<b>&\"c'd", "two\nlines\r\nhere", juce::CharPointer_UTF8 ("Gr\xc3\xbc\xc3\x9f" "e \xe2\x99\xab"),
+                                   "", "   ", "[init]" };
+    for (const auto& text : cases)
+    {
+        velkaro::Preset (*makePresetXml ("x", "y", "z"), file).updateInfoAndSave ({ text, text, text, text });
+        const velkaro::Preset back (*juce::XmlDocument::parse (file), file);
+        EXPECT_EQ (std::vector<juce::String> ({ back.name, back.author, back.type, back.notes }), std::vector<juce::String> (4, text));
+        // An empty field is written as an empty attribute, not dropped.
+        EXPECT_TRUE (back.getChildByName ("PROGRAM")->hasAttribute ("AUTHOR") && back.getChildByName ("NOTES")->hasAttribute ("TEXT"));
+    }
+}
+
 TEST (PresetLibrary, DuplicateNamesAreNumberedInPathOrderAndWrittenBackOnce)
 {
     ScopedTempHome home;
@@ -39,7 +51,7 @@ TEST (PresetLibrary, DuplicateNamesAreNumberedInPathOrderAndWrittenBackOnce)
 
     TestProcessor t;
     auto& manager = t.processor->presetManager;
-    const Names numbered { "Pad", "Pad (2)", "Lead", "Pad (3)" };
+    const std::vector<juce::String> numbered { "Pad", "Pad (2)", "Lead", "Pad (3)" };
     EXPECT_EQ (namesOf (manager.getPresets()), numbered);
 
     // Only the two renamed files changed on disk, and they now carry the new names.
@@ -60,16 +72,16 @@ TEST (PresetLibrary, FilesFromElsewhereAreListedConvertedOrSkipped)
     ScopedTempHome home;
     const auto lib = home.library();
     lib.createDirectory();
-    const juce::String greeting (juce::CharPointer_UTF8 ("Gr\xc3\xbc\xc3\x9f" "e \xe2\x82\xac \xf0\x9f\x8e\xb9")); // with a surrogate pair
-    const auto wide = "<?xml version=\"1.0\" encoding=\"UTF-16\"?>\r\n<ondrivel><PROGRAM NAME=\"" + greeting + "\" TYPE=\"Pad\"/></ondrivel>";
+    const auto wide = [] (const char* name) // a name with a character beyond 16 bits, a surrogate pair in UTF-16
+    { return juce::String ("<?xml version=\"1.0\" encoding=\"UTF-16\"?>\r\n<ondrivel><PROGRAM NAME=\"") + juce::String (juce::CharPointer_UTF8 (name)) + "\" TYPE=\"Pad\"/></ondrivel>"; };
     juce::MemoryBlock noise (4096);
     juce::Random (7).fillBitsRandomly (noise.getData(), noise.getSize());
 
     // A null name: the file is passed over. Else the fields it is listed with.
     struct Case { const char* file; juce::MemoryBlock bytes; const char* name; const char* type = ""; const char* notes = ""; };
     const Case cases[] = {
-        { "utf16le.xml", utf16 (wide.replace ("Gr", "LE "), false), "LE \xc3\xbc\xc3\x9f" "e \xe2\x82\xac \xf0\x9f\x8e\xb9", "Pad" },
-        { "utf16be.xml", utf16 (wide.replace ("Gr", "BE "), true), "BE \xc3\xbc\xc3\x9f" "e \xe2\x82\xac \xf0\x9f\x8e\xb9", "Pad" },
+        { "utf16le.xml", utf16 (wide ("LE \xc3\xbc \xe2\x82\xac \xf0\x9f\x8e\xb9"), false), "LE \xc3\xbc \xe2\x82\xac \xf0\x9f\x8e\xb9", "Pad" },
+        { "utf16be.xml", utf16 (wide ("BE \xc3\xbc \xe2\x82\xac \xf0\x9f\x8e\xb9"), true), "BE \xc3\xbc \xe2\x82\xac \xf0\x9f\x8e\xb9", "Pad" },
         { "cp1252.xml", bytesOf ("<ondrivel><PROGRAM NAME=\"Gr\xfc\xdf" "e \x80\"/><NOTES TEXT=\"\x93quoted\x94\"/></ondrivel>"),
           "Gr\xc3\xbc\xc3\x9f" "e \xe2\x82\xac", "", "\xe2\x80\x9cquoted\xe2\x80\x9d" },
         // Declared as Windows text, its bytes are read so even where they would pass for UTF-8.
@@ -80,9 +92,6 @@ TEST (PresetLibrary, FilesFromElsewhereAreListedConvertedOrSkipped)
         { "notes-first.xml", bytesOf ("<x><NOTES TEXT=\"hi\"/><PROGRAM NAME=\"notes first\" TYPE=\"t\"/><PROGRAM NAME=\"2nd\"/></x>"),
           "notes first", "t", "hi" },
         { "other-root.xml", bytesOf ("<something><PROGRAM NAME=\"other root\"/></something>"), "other root" },
-        { "odd-values.xml", bytesOf ("<ondrivel><PROGRAM NAME=\"odd values\"/><PARAM id=\"octave\" value=\"7.5\"/>"
-                                     "<PARAM id=\"time\" value=\"-300\"/><PARAM id=\"pitch\" value=\"banana\"/><PARAM id=\"tilt\" value=\"nan\"/>"
-                                     "<PARAM id=\"volume\" value=\"1e300\"/><PARAM id=\"decay\" value=\"\"/></ondrivel>"), "odd values" },
         { "empty.xml", {}, nullptr },
         { "text.xml", bytesOf ("this is not xml at all"), nullptr },
         { "truncated.xml", bytesOf ("<ondrivel><PROGRAM NAME=\"cut\"/><PARAM id=\"octave\" val"), nullptr },
@@ -98,40 +107,24 @@ TEST (PresetLibrary, FilesFromElsewhereAreListedConvertedOrSkipped)
         juce::FileOutputStream huge (lib.getChildFile ("huge.xml"));
         huge << "<ondrivel><PROGRAM NAME=\"huge\"/><NOTES TEXT=\"" << juce::String::repeatedString ("x", 9 << 20) << "\"/></ondrivel>";
     }
-    const auto locked = lib.getChildFile ("unreadable.xml");
-    locked.replaceWithText ("<ondrivel><PROGRAM NAME=\"locked\"/></ondrivel>");
-    ::chmod (locked.getFullPathName().toRawUTF8(), 0);
-    const bool rootReadsAnything = locked.loadFileAsString().isNotEmpty();
-
     const auto before = snapshotFiles (lib);
     TestProcessor t;
     auto& manager = t.processor->presetManager;
-    EXPECT_EQ ((int) manager.getNumPresets(), 9 + (rootReadsAnything ? 1 : 0));
+    const auto presets = manager.getPresets();
+    EXPECT_EQ (presets.size(), 8u);
     for (const auto& c : cases)
     {
-        SCOPED_TRACE (c.file);
-        const auto presets = manager.getPresets();
         const auto found = std::find_if (presets.begin(), presets.end(), [&] (auto* p) { return p->file.getFileName() == c.file; });
-        ASSERT_EQ (found != presets.end(), c.name != nullptr);
-        if (c.name == nullptr)
-            continue;
-        EXPECT_EQ ((*found)->name, juce::String (juce::CharPointer_UTF8 (c.name)));
-        EXPECT_EQ ((*found)->type, c.type);
-        EXPECT_EQ ((*found)->notes, juce::String (juce::CharPointer_UTF8 (c.notes)));
+        ASSERT_EQ (found != presets.end(), c.name != nullptr) << c.file;
+        if (c.name != nullptr)
+            EXPECT_EQ (std::vector<juce::String> ({ (*found)->name, (*found)->type, (*found)->notes }),
+                       std::vector<juce::String> ({ juce::String (juce::CharPointer_UTF8 (c.name)), c.type, juce::String (juce::CharPointer_UTF8 (c.notes)) }))
+                << c.file;
     }
     EXPECT_EQ (snapshotFiles (lib), before) << "a scan of distinct names writes nothing";
 
-    // Every listed preset loads, and every parameter ends inside its range.
-    for (size_t i = 0; i < manager.getVisibleCount(); ++i)
-    {
-        manager.selectPreset (i);
-        for (const auto& row : parameterTable)
-        {
-            const float v = t.processor->getParameterValue (row.index);
-            EXPECT_TRUE (v >= (float) row.min && v <= (float) row.max) << row.id << " = " << v;
-        }
-    }
-    ::chmod (locked.getFullPathName().toRawUTF8(), 0644);
+    for (size_t i = 0; i < presets.size(); ++i)
+        manager.selectPreset (i); // every listed preset loads
 }
 
 TEST (PresetLibrary, AnEmptyOrUnmakeableLibraryListsOneInitPresetAndWritesNothing)
@@ -142,7 +135,6 @@ TEST (PresetLibrary, AnEmptyOrUnmakeableLibraryListsOneInitPresetAndWritesNothin
         { "music folder is a file", [] (const juce::File& h) { h.getChildFile ("Music").replaceWithText ("x"); } },
         { "library is a file", [] (const juce::File& h) { h.getChildFile ("Music").createDirectory();
                                                           h.getChildFile ("Music/ondrivel").replaceWithText ("x"); } },
-        { "home is read-only", [] (const juce::File& h) { ::chmod (h.getFullPathName().toRawUTF8(), 0555); } },
     };
     for (const auto& c : cases)
     {
@@ -159,6 +151,5 @@ TEST (PresetLibrary, AnEmptyOrUnmakeableLibraryListsOneInitPresetAndWritesNothin
             EXPECT_EQ (manager.getCurrentPreset(), manager.getPresets()[0]);
             EXPECT_TRUE (home.library().findChildFiles (juce::File::findFiles, true).isEmpty()) << "the fallback preset is never written";
         }
-        ::chmod (home.folder.getFullPathName().toRawUTF8(), 0755);
     }
 }
