@@ -146,13 +146,9 @@ void KestruneAudioProcessor::resetBlockDelay()
 
 bool KestruneAudioProcessor::isBusesLayoutSupported (const BusesLayout& layouts) const
 {
-    if (layouts.getMainInputChannelSet() == juce::AudioChannelSet::disabled())
-        return false;
-    if (layouts.getMainOutputChannelSet() == juce::AudioChannelSet::disabled())
-        return false;
-    if (layouts.getMainOutputChannelSet() != juce::AudioChannelSet::stereo())
-        return false;
-    return layouts.getMainInputChannelSet() == layouts.getMainOutputChannelSet();
+    // An instrument without audio input: its own layout, nothing in and stereo out, is the only one.
+    return layouts.getMainInputChannelSet().isDisabled()
+           && layouts.getMainOutputChannelSet() == juce::AudioChannelSet::stereo();
 }
 
 void KestruneAudioProcessor::countHeldNotes (const juce::MidiBuffer& midi, int numSamples)

@@ -3,6 +3,8 @@
 // scales the whole panel with one transform.
 #include "editor/MainWindow.h"
 
+#include <algorithm>
+
 #include "EditorData.h"
 #include "core/KestruneAudioProcessor.h"
 #include "core/XmlText.h"
@@ -47,6 +49,14 @@ constexpr int bottomRowIndices[] = { ParameterIndex::pitch,   ParameterIndex::ti
                                      ParameterIndex::envmod,  ParameterIndex::attack,  ParameterIndex::decay,
                                      ParameterIndex::sustain, ParameterIndex::release, ParameterIndex::vibrato,
                                      ParameterIndex::volume };
+
+// The look-and-feels of the open panels, oldest first. The process default is one of them while any
+// panel is open, and passes to another when its own panel closes.
+std::vector<juce::LookAndFeel*>& openPanelLooks()
+{
+    static std::vector<juce::LookAndFeel*> looks;
+    return looks;
+}
 } // namespace
 
 MainWindow::MainWindow (KestruneAudioProcessor& p)
@@ -90,6 +100,12 @@ MainWindow::MainWindow (KestruneAudioProcessor& p)
 
     defaultLookAndFeel = std::make_unique<velkaro::DromelleLookAndFeel_V1>();
     defaultLookAndFeel->setDefaultSansSerifTypeface (panelTypeface);
+    // Set on the panel and its tooltip window too, so that neither ever shows another panel's look or
+    // the framework's own when the process default changes hands.
+    setLookAndFeel (defaultLookAndFeel.get());
+    tooltipWindow.setLookAndFeel (defaultLookAndFeel.get());
+    tooltipWindow.panel = this;
+    openPanelLooks().push_back (defaultLookAndFeel.get());
     juce::LookAndFeel::setDefaultLookAndFeel (defaultLookAndFeel.get());
 
     using namespace ParameterIndex;
@@ -207,11 +223,20 @@ MainWindow::~MainWindow()
         juce::AlertWindow::showMessageBoxAsync (juce::MessageBoxIconType::WarningIcon, "Saving Settings", "Failed!", "OK");
     stopTimer();
 
-    // The process-wide default must not point at a look-and-feel that is about to go.
+    for (auto& slider : sliders)
+        if (slider != nullptr)
+            slider->removeComponentListener (this);
     if (sliders[ParameterIndex::pitch] != nullptr)
         sliders[ParameterIndex::pitch]->setLookAndFeel (nullptr);
+    tooltipWindow.setLookAndFeel (nullptr);
+    setLookAndFeel (nullptr);
+
+    // The process-wide default must not point at a look-and-feel that is about to go: it passes to the
+    // panel opened last of those still open.
+    auto& looks = openPanelLooks();
+    looks.erase (std::remove (looks.begin(), looks.end(), defaultLookAndFeel.get()), looks.end());
     if (&juce::LookAndFeel::getDefaultLookAndFeel() == defaultLookAndFeel.get())
-        juce::LookAndFeel::setDefaultLookAndFeel (nullptr);
+        juce::LookAndFeel::setDefaultLookAndFeel (looks.empty() ? nullptr : looks.back());
 }
 
 //==============================================================================
@@ -246,6 +271,7 @@ juce::Slider* MainWindow::addParameterSlider (int index, juce::Point<int> positi
     slider->setTextBoxStyle (hasTextBox ? juce::Slider::TextBoxBelow : juce::Slider::NoTextBox,
                              index != ParameterIndex::time, w, labelHeight);
     addAndMakeVisible (*slider);
+    slider->addComponentListener (this);
     sliderAttachments[(size_t) index] = std::make_unique<juce::AudioProcessorValueTreeState::SliderAttachment> (parameters, row.id, *slider);
 
     sliders[(size_t) index] = std::move (slider);
@@ -372,14 +398,21 @@ void MainWindow::paint (juce::Graphics& g)
 void MainWindow::resized()
 {
     for (auto& slider : sliders)
-    {
-        if (slider == nullptr)
-            continue;
-        for (auto* child : slider->getChildren())
-            if (auto* label = dynamic_cast<juce::Label*> (child))
-                if (label->getFont() != controlFont)
-                    label->setFont (controlFont);
-    }
+        if (slider != nullptr)
+            applyControlFont (*slider);
+}
+
+void MainWindow::applyControlFont (juce::Component& slider)
+{
+    for (auto* child : slider.getChildren())
+        if (auto* label = dynamic_cast<juce::Label*> (child))
+            if (label->getFont() != controlFont)
+                label->setFont (controlFont);
+}
+
+void MainWindow::componentChildrenChanged (juce::Component& component)
+{
+    applyControlFont (component);
 }
 
 void MainWindow::timerCallback()
@@ -420,12 +453,19 @@ void MainWindow::timerCallback()
 }
 
 //==============================================================================
+juce::String MainWindow::displayDate (const juce::String& compilerDate)
+{
+    // __DATE__ reads "Mar  9 2025", with a second blank before a one-digit day; the bar shows "9 Mar 2025".
+    auto parts = juce::StringArray::fromTokens (compilerDate, " ", "");
+    parts.removeEmptyStrings();
+    if (parts.size() != 3)
+        return compilerDate;
+    return juce::String (parts[1].getIntValue()) + " " + parts[0] + " " + parts[2];
+}
+
 juce::String MainWindow::buildVersionText (juce::AudioProcessor::WrapperType wrapper)
 {
-    // __DATE__ reads "Mar  9 2025"; the bar shows "9 Mar 2025".
-    const juce::String compiled (__DATE__);
-    const auto parts = juce::StringArray::fromTokens (compiled, " ", "");
-    const juce::String date = parts.size() == 3 ? juce::String (parts[1].getIntValue()) + " " + parts[0] + " " + parts[2] : compiled;
+    const auto date = displayDate (__DATE__);
 
    #if defined(__aarch64__) || defined(_M_ARM64)
     const juce::String tag ("ARM");

@@ -24,7 +24,7 @@
 
 class KestruneAudioProcessor;
 
-class MainWindow : public juce::Component, public juce::Timer
+class MainWindow : public juce::Component, public juce::Timer, private juce::ComponentListener
 {
 public:
     explicit MainWindow (KestruneAudioProcessor&);
@@ -33,6 +33,9 @@ public:
     void paint (juce::Graphics&) override;
     void resized() override;
     void timerCallback() override;
+
+    // The compiler's date ("Mar  9 2025") as the brand bar shows it ("9 Mar 2025").
+    static juce::String displayDate (const juce::String& compilerDate);
 
     juce::Slider* addParameterSlider (int index, juce::Point<int> position, juce::Point<int> size);
     void addParameterSwitch (int index, ImgToggleButton& button, juce::Point<int> position, juce::Point<int> size);
@@ -87,6 +90,9 @@ public:
     int scaledWidth = 880;
 
 private:
+    // A slider makes its text box anew at every change of look; the new one gets the panel's font.
+    void componentChildrenChanged (juce::Component& component) override;
+    void applyControlFont (juce::Component& slider);
     void restorePicture();
     void pictureClicked();
     void syncClicked();

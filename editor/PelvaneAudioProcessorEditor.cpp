@@ -20,6 +20,8 @@ PelvaneAudioProcessorEditor::PelvaneAudioProcessorEditor (KestruneAudioProcessor
     setSize (width, (int) ((float) width * MainWindow::aspect));
 
     mainWindow = std::make_unique<MainWindow> (processor);
+    // The corner resizer is drawn in the panel's look whatever the process default is.
+    setLookAndFeel (mainWindow->defaultLookAndFeel.get());
     addAndMakeVisible (*mainWindow);
     mainWindow->setBounds (0, 0, MainWindow::panelWidth, MainWindow::panelHeight);
     mainWindow->scaledWidth = getWidth();
@@ -32,6 +34,7 @@ PelvaneAudioProcessorEditor::PelvaneAudioProcessorEditor (KestruneAudioProcessor
 
 PelvaneAudioProcessorEditor::~PelvaneAudioProcessorEditor()
 {
+    setLookAndFeel (nullptr);
     mainWindow.reset();
 }
 

@@ -4,7 +4,12 @@
 
 juce::String myToolTipWindow::getTipFor (juce::Component& component)
 {
-    if (! enabled)
+    if (! shows (component))
         return {};
     return juce::TooltipWindow::getTipFor (component);
+}
+
+bool myToolTipWindow::shows (const juce::Component& component) const
+{
+    return enabled && (panel == nullptr || panel == &component || panel->isParentOf (&component));
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
-// The panel's tooltip window, which the tooltips switch can silence.
+// The panel's tooltip window, which the tooltips switch can silence; it serves its own panel only.
 #pragma once
 
 #include <juce_gui_basics/juce_gui_basics.h>
@@ -11,5 +11,10 @@ public:
 
     juce::String getTipFor (juce::Component&) override;
 
+    // Whether a tip of this component is this window's to show: tips are on, and the component belongs
+    // to its panel. Every tooltip window of the process looks at whatever is under the mouse.
+    bool shows (const juce::Component& component) const;
+
     bool enabled = true;
+    juce::Component* panel = nullptr;
 };

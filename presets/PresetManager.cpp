@@ -312,9 +312,33 @@ void PresetManager::loadPreset (const Preset* preset)
     current = CurrentProgram::fromPreset (*preset);
     modified = false;
     auto newState = juce::ValueTree::fromXml (*preset);
+    keepValuesMissingFrom (newState);
     replaceNonFiniteValues (state, newState);
     state.replaceState (newState);
     onPresetChange (currentPreset);
+}
+
+void PresetManager::keepValuesMissingFrom (juce::ValueTree& newState) const
+{
+    // Written into the tree, not only left in the parameter: a later save or host state must carry
+    // the value, and the parameter tree would read a child without one as the default.
+    static const juce::Identifier idProperty { "id" }, valueProperty { "value" };
+    for (auto* p : state.processor.getParameters())
+    {
+        const auto* parameter = dynamic_cast<const juce::RangedAudioParameter*> (p);
+        if (parameter == nullptr)
+            continue;
+        auto child = newState.getChildWithProperty (idProperty, parameter->paramID);
+        if (! child.isValid())
+        {
+            child = juce::ValueTree ("PARAM");
+            child.setProperty (idProperty, parameter->paramID, nullptr);
+            newState.appendChild (child, nullptr);
+        }
+        if (! child.hasProperty (valueProperty))
+            if (const auto* value = state.getRawParameterValue (parameter->paramID))
+                child.setProperty (valueProperty, value->load(), nullptr);
+    }
 }
 
 void PresetManager::replaceNonFiniteValues (juce::AudioProcessorValueTreeState& stateToUse, juce::ValueTree& newState)

@@ -115,6 +115,8 @@ private:
     void moveSelectionTo (size_t index);
     void loadFromPresets (const Preset* entry);
     void dropSelectionIndex();
+    // A preset file that leaves parameters out leaves them as they are.
+    void keepValuesMissingFrom (juce::ValueTree& newState) const;
 
     std::multimap<juce::String, Preset*> presetsByAuthor;
     std::multimap<juce::String, Preset*> presetsByType;

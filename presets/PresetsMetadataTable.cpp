@@ -18,6 +18,8 @@ void PresetsMetadataTable::EditableTextComponent::textEditorReturnKeyPressed (ju
 
     if (validate (trimmed))
     {
+        // A corrected text ends the refusal: its timer must not close a later edit.
+        stopTimer();
         textEditor.setText (trimmed, false);
         juce::Label::textEditorReturnKeyPressed (textEditor);
         return;
@@ -150,6 +152,8 @@ void PresetsMetadataTable::paintCell (juce::Graphics& g, int rowNumber, int colu
 
 void PresetsMetadataTable::cellDoubleClicked (int rowNumber, int columnId, const juce::MouseEvent&)
 {
+    // A refusal still counting belongs to the edit before this one.
+    editor.stopTimer();
     editor.setText (getCellText (rowNumber, columnId), juce::dontSendNotification);
 
     editor.validate = [this, columnId] (const juce::String& text)

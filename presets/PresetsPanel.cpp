@@ -122,12 +122,20 @@ void PresetsPanel::saveChanges()
     saveChangesButton.setEnabled (false);
     unsavedLabel.setVisible (false);
 
-    // The whole library is shown again; the panel's own choice of values is kept.
+    // The whole library is shown again.
     manager.setFilter (PresetFilter {});
     refreshRows();
 
-    filterTree.reload();
+    rebuildFilterTree();
     filterTree.repaint();
+}
+
+void PresetsPanel::rebuildFilterTree()
+{
+    // The rebuilt tree marks no row, so the panel's choice goes with it: the next click starts a new
+    // filter instead of bringing back values that no row shows as chosen.
+    filterTree.reload();
+    filter = {};
 }
 
 void PresetsPanel::reloadLibraryKeepingEdits()
@@ -166,7 +174,7 @@ void PresetsPanel::toggle()
         return;
     }
 
-    filterTree.reload();
+    rebuildFilterTree();
     refreshRows();
     fadePanelIn (*this, fadeMs);
 }

@@ -52,6 +52,7 @@ private:
     void filterChanged();
     void saveChanges();
     void refreshRows();
+    void rebuildFilterTree();
 
     PresetManager& manager;
 

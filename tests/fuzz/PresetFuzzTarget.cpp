@@ -15,7 +15,7 @@ extern "C" int LLVMFuzzerTestOneInput (const std::uint8_t* data, std::size_t siz
     // which checkAfterInput does; so the previous record can go once the next one is made.
     static std::unique_ptr<velkaro::Preset> record;
 
-    if (const auto xml = velkaro::XmlText::parse (data, size))
+    if (const auto xml = velkaro::XmlText::parseFileBytes (data, size))
     {
         record = std::make_unique<velkaro::Preset> (*xml, juce::File ("/nonexistent/fuzzed.xml"));
         processor.presetManager.loadPreset (record.get());

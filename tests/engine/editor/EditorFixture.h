@@ -15,8 +15,6 @@
 class EditorFixture : public ::testing::Test
 {
 protected:
-    void TearDown() override { editor.reset(); }
-
     KestruneAudioProcessor& processor() { return *test->processor; }
 
     // Opens the editor as a host does; the settings and the preset library are read again as it opens.
@@ -51,7 +49,8 @@ protected:
 
     static void pump (int milliseconds = 10) { juce::MessageManager::getInstance()->runDispatchLoopUntil (milliseconds); }
 
-    ScopedTempHome home; // before the processor, which finds its folders through HOME
+    // In this order: the processor finds its folders through HOME, and the editor goes first.
+    ScopedTempHome home;
     std::unique_ptr<TestProcessor> test = std::make_unique<TestProcessor>();
     std::unique_ptr<PelvaneAudioProcessorEditor> editor;
 };

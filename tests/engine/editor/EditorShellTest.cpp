@@ -1,44 +1,9 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 // The editor opens at the remembered width with the panel's aspect, whatever the settings file holds,
-// follows host resizes, paints at every scale, and leaves no look behind when it closes.
+// follows host resizes, paints at every scale, and keeps its own look beside another instance's panel.
 #include "EditorFixture.h"
 
-namespace
-{
-float panelScale (MainWindow& panel) { return panel.getTransform().mat00; }
-} // namespace
-
-TEST_F (EditorFixture, OpensAtTheRememberedWidthWithThePanelAspect)
-{
-    struct Case { const char* stored; int width; int height; };
-    const Case cases[] = {
-        { nullptr, 880, 486 }, { "440", 440, 243 }, { "1320", 1320, 729 }, { "3520", 3520, 1944 }, { "1200", 1200, 662 },
-    };
-    for (const auto& c : cases)
-    {
-        SCOPED_TRACE (c.stored != nullptr ? c.stored : "no file");
-        settingsFile().deleteFile();
-        if (c.stored != nullptr)
-            writeSettings (juce::String ("<ALLSETTINGS><SETTING ID=\"glb_wsz\" Value=\"") + c.stored + "\"/></ALLSETTINGS>");
-
-        auto& ed = openEditor();
-        EXPECT_EQ (ed.getWidth(), c.width);
-        EXPECT_EQ (ed.getHeight(), c.height);
-        // The panel is laid out at 880 and scaled as a whole to cover the editor.
-        EXPECT_EQ (panel().getBounds(), juce::Rectangle<int> (0, 0, 880, 486));
-        EXPECT_FLOAT_EQ (panelScale (panel()), (float) c.width / 880.0f);
-        EXPECT_EQ (panel().getBoundsInParent().getWidth(), c.width);
-        closeEditor();
-    }
-
-    // A width the user chose is the next editor's width.
-    openEditor().setSize (1500, 828);
-    closeEditor();
-    EXPECT_EQ (openEditor().getWidth(), 1500);
-    EXPECT_EQ (editor->getHeight(), 828);
-}
-
-TEST_F (EditorFixture, BrokenSettingsFilesGiveDefinedValuesAndAUsableEditor)
+TEST_F (EditorFixture, OpensAtTheRememberedWidthWhateverTheSettingsFileHolds)
 {
     // The file as found, what the record reads from it, and the width the editor opens at.
     struct Case { const char* name; const char* content; int tooltips, width, openGL, colours, editorWidth; };
@@ -47,7 +12,7 @@ TEST_F (EditorFixture, BrokenSettingsFilesGiveDefinedValuesAndAUsableEditor)
         { "empty", "", 1, 880, 0, 0, 880 },
         { "not xml", "\x01\x02 not <<< xml >", 1, 880, 0, 0, 880 },
         { "wrong root", "<SETTINGS><SETTING ID=\"glb_wsz\" Value=\"1200\"/></SETTINGS>", 1, 880, 0, 0, 880 },
-        { "width only", "<ALLSETTINGS><SETTING ID=\"glb_wsz\" Value=\"1200\"/></ALLSETTINGS>", 1, 1200, 0, 0, 1200 },
+        { "width only", "<ALLSETTINGS><SETTING ID=\"glb_wsz\" Value=\"1320\"/></ALLSETTINGS>", 1, 1320, 0, 0, 1320 },
         { "not a number", "<ALLSETTINGS><SETTING ID=\"glb_wsz\" Value=\"wide\"/></ALLSETTINGS>", 1, 0, 0, 0, 880 },
         { "leading digits", "<ALLSETTINGS><SETTING ID=\"glb_wsz\" Value=\" 1500px\"/></ALLSETTINGS>", 1, 1500, 0, 0, 1500 },
         { "negative", "<ALLSETTINGS><SETTING ID=\"glb_wsz\" Value=\"-20\"/></ALLSETTINGS>", 1, -20, 0, 0, 880 },
@@ -69,34 +34,35 @@ TEST_F (EditorFixture, BrokenSettingsFilesGiveDefinedValuesAndAUsableEditor)
                    std::vector<int> ({ c.tooltips, c.width, c.openGL, c.colours }));
 
         auto& ed = openEditor();
-        EXPECT_EQ (ed.getWidth(), c.editorWidth);
-        EXPECT_EQ (ed.getHeight(), (int) ((float) c.editorWidth * 0.55227274f));
+        EXPECT_EQ (ed.getLocalBounds(), juce::Rectangle<int> (c.editorWidth, (int) ((float) c.editorWidth * 0.55227274f)));
+        // The panel is laid out at 880 and scaled as a whole to cover the editor.
+        EXPECT_EQ (panel().getBounds(), juce::Rectangle<int> (0, 0, 880, 486));
+        EXPECT_FLOAT_EQ (panel().getTransform().mat00, (float) c.editorWidth / 880.0f);
         ed.createComponentSnapshot ({ 0, 0, 32, 32 }, true, 0.5f);
         ed.setSize (880, 486);
         closeEditor();
-
         EXPECT_EQ (storedSettings().windowWidth, 880) << "closing writes a clean file again";
     }
+
+    // A width the user chose is the next editor's width.
+    openEditor().setSize (1500, 828);
+    closeEditor();
+    EXPECT_EQ (openEditor().getLocalBounds(), juce::Rectangle<int> (1500, 828));
 }
 
 TEST_F (EditorFixture, HostResizeKeepsTheAspectAndThePanelPaintsAtEveryScale)
 {
-    struct Case { int width; int height; int expectedHeight; };
-    const Case cases[] = { { 1000, 700, 552 }, { 440, 100, 243 }, { 3520, 10, 1944 }, { 880, 486, 486 }, { 1760, 0, 972 } };
     auto& ed = openEditor();
-    for (const auto& c : cases)
+    for (const auto& [width, height, expectedHeight] : { std::tuple (1000, 700, 552), std::tuple (440, 100, 243), std::tuple (3520, 10, 1944),
+                                                         std::tuple (880, 486, 486), std::tuple (1760, 0, 972) })
     {
-        SCOPED_TRACE (c.width);
-        ed.setSize (c.width, c.height);
-        EXPECT_EQ (ed.getWidth(), c.width);
-        EXPECT_EQ (ed.getHeight(), c.expectedHeight);
-        EXPECT_FLOAT_EQ (panelScale (panel()), (float) c.width / 880.0f);
-
+        ed.setSize (width, height);
+        EXPECT_EQ (ed.getHeight(), expectedHeight);
+        EXPECT_FLOAT_EQ (panel().getTransform().mat00, (float) width / 880.0f);
         // The background picture covers the editor's blue fill everywhere.
         const auto image = ed.createComponentSnapshot (ed.getLocalBounds(), true, 1.0f);
-        for (const auto& p : { juce::Point<int> (2, 2), juce::Point<int> (c.width / 2, image.getHeight() / 2),
-                               juce::Point<int> (c.width - 3, image.getHeight() - 3) })
-            EXPECT_NE (image.getPixelAt (p.x, p.y).getARGB(), 0xff0000ffu) << p.toString();
+        for (const auto& p : std::array<juce::Point<int>, 3> { { { 2, 2 }, { width / 2, expectedHeight / 2 }, { width - 3, expectedHeight - 3 } } })
+            EXPECT_NE (image.getPixelAt (p.x, p.y).getARGB(), 0xff0000ffu) << width << " at " << p.toString();
     }
 
     // A host that forces its own size without telling the editor gets the remembered size back.
@@ -104,32 +70,53 @@ TEST_F (EditorFixture, HostResizeKeepsTheAspectAndThePanelPaintsAtEveryScale)
     ed.setBounds (0, 0, 900, 300);
     panel().scaledWidth = 1320;
     panel().timerCallback();
-    EXPECT_EQ (ed.getWidth(), 1320);
-    EXPECT_EQ (ed.getHeight(), 729);
+    EXPECT_EQ (ed.getBounds(), juce::Rectangle<int> (0, 0, 1320, 729));
 }
 
-TEST_F (EditorFixture, TwoPanelsOpenAtOnceCloseInEitherOrder)
+TEST_F (EditorFixture, TwoInstancesPanelsKeepTheirOwnLookAndTooltipsWhicheverCloses)
 {
-    KestruneAudioProcessor second;
+    // What a user sees of a panel's look: the look-and-feels its controls draw with, and the font and
+    // box of a value text.
+    const auto lookOf = [] (MainWindow& w)
+    {
+        auto& time = *w.sliders[ParameterIndex::time];
+        const auto* box = dynamic_cast<juce::Label*> (time.getChildComponent (time.getNumChildComponents() - 1));
+        return std::make_tuple (&time.getLookAndFeel(), &w.presetsToolbar.nameButton.getLookAndFeel(), box->getFont().getHeight(), box->getBounds());
+    };
+    TestProcessor second;
     for (const bool firstClosesFirst : { true, false })
     {
         openEditor();
-        std::unique_ptr<juce::AudioProcessorEditor> other (second.createEditor());
-        if (firstClosesFirst)
-        {
-            closeEditor();
-            // The other panel's look stays the default while it is open.
-            EXPECT_NE (dynamic_cast<velkaro::DromelleLookAndFeel_V1*> (&juce::LookAndFeel::getDefaultLookAndFeel()), nullptr);
-            other->createComponentSnapshot ({ 0, 0, 32, 32 }, true, 0.5f);
-            other.reset();
-        }
-        else
-        {
-            other.reset();
-            editor->createComponentSnapshot ({ 0, 0, 32, 32 }, true, 0.5f);
-            closeEditor();
-        }
-        // The process default look-and-feel never points at a panel that has gone.
-        EXPECT_EQ (dynamic_cast<velkaro::DromelleLookAndFeel_V1*> (&juce::LookAndFeel::getDefaultLookAndFeel()), nullptr);
+        std::unique_ptr<PelvaneAudioProcessorEditor> other (dynamic_cast<PelvaneAudioProcessorEditor*> (second.processor->createEditor()));
+        auto& stays = firstClosesFirst ? *other : *editor;
+        auto& w = *stays.getMainWindow();
+        auto& closing = firstClosesFirst ? *editor->getMainWindow() : *other->getMainWindow();
+        const auto before = lookOf (w);
+        EXPECT_TRUE (std::get<0> (before) == w.defaultLookAndFeel.get() && juce::approximatelyEqual (std::get<2> (before), 20.0f)) << firstClosesFirst;
+
+        // Each panel's tooltips switch governs its own panel only.
+        closing.tooltipsButton.triggerClick();
+        pump();
+        EXPECT_FALSE (closing.tooltipWindow.shows (*closing.sliders[ParameterIndex::time]));
+        EXPECT_TRUE (w.tooltipWindow.shows (*w.sliders[ParameterIndex::time]));
+        EXPECT_FALSE (w.tooltipWindow.shows (*closing.sliders[ParameterIndex::time])) << "another panel's tip";
+
+        // Closing one panel changes the process default; an on-screen panel hears of it as this one does.
+        firstClosesFirst ? closeEditor() : other.reset();
+        stays.sendLookAndFeelChange();
+        EXPECT_EQ (lookOf (w), before);
+        EXPECT_EQ (&juce::LookAndFeel::getDefaultLookAndFeel(), w.defaultLookAndFeel.get());
+        firstClosesFirst ? other.reset() : closeEditor();
+        EXPECT_EQ (dynamic_cast<velkaro::DromelleLookAndFeel_V1*> (&juce::LookAndFeel::getDefaultLookAndFeel()), nullptr)
+            << "the process default never points at a panel that has gone";
     }
+}
+
+TEST_F (EditorFixture, BrandBarShowsTheBuildDateWithoutAPaddedDay)
+{
+    for (const auto& [compiler, shown] : { std::pair ("Mar  9 2025", "9 Mar 2025"), std::pair ("Dec 25 2024", "25 Dec 2024") })
+        EXPECT_EQ (MainWindow::displayDate (compiler), shown);
+    openEditor();
+    const auto date = panel().brandBar.versionText.fromFirstOccurrenceOf ("[", false, false).upToFirstOccurrenceOf ("]", false, false);
+    EXPECT_TRUE (juce::CharacterFunctions::isDigit (date[0]) && ! date.contains ("  ") && date.length() >= 10) << date;
 }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 // The factory preset set as shipped: complete and described, loaded exactly, stored as the plug-in
-// writes presets, exact through a host recall, and audible.
+// writes presets, exact through a host recall and audible; copied without replacing a user's file.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -100,30 +100,6 @@ double phraseLoudness (KestruneAudioProcessor& p, const juce::String& type)
 }
 } // namespace
 
-TEST (FactoryPresets, AreCompleteDescribedAndInRange)
-{
-    const auto files = factoryFiles();
-    ASSERT_GE (files.size(), 24);
-    std::set<juce::String> names, types, authors;
-    for (const auto& file : files)
-    {
-        SCOPED_TRACE (file.getFileName().toStdString());
-        const auto xml = juce::XmlDocument::parse (file);
-        ASSERT_NE (xml, nullptr);
-        EXPECT_EQ (xml->getTagName(), "ondrivel");
-        const velkaro::Preset preset (*xml, file);
-        EXPECT_TRUE (names.insert (preset.name).second) << "names are unique";
-        EXPECT_EQ (file.getFileNameWithoutExtension(), preset.name);
-        EXPECT_TRUE (preset.type.isNotEmpty() && preset.author.isNotEmpty());
-        EXPECT_GE (preset.notes.length(), 80) << "a helpful note";
-        types.insert (preset.type);
-        authors.insert (preset.author);
-    }
-    for (const char* type : { "Pad", "Keys", "Bass", "Pluck", "Lead", "Texture", "FX" })
-        EXPECT_EQ (types.count (type), 1u) << type;
-    EXPECT_GE (authors.size(), 3u);
-}
-
 TEST (FactoryPresets, LoadExactlySurviveASaveAndAHostRecallAndSoundAlikeInLoudness)
 {
     ScopedTempHome home;
@@ -133,9 +109,11 @@ TEST (FactoryPresets, LoadExactlySurviveASaveAndAHostRecallAndSoundAlikeInLoudne
     TestProcessor t (48000.0, 512), recalled;
     auto& p = *t.processor;
     auto& manager = p.presetManager;
+    ASSERT_GE (factoryFiles().size(), 24);
     ASSERT_EQ ((int) manager.getNumPresets(), factoryFiles().size());
     int modifiedReports = 0;
     manager.onProgramModified = [&] { ++modifiedReports; };
+    std::set<juce::String> names, types, authors;
     double loudest = -1000.0, quietest = 0.0;
 
     for (size_t i = 0; i < manager.getNumPresets(); ++i)
@@ -144,6 +122,11 @@ TEST (FactoryPresets, LoadExactlySurviveASaveAndAHostRecallAndSoundAlikeInLoudne
         const auto* preset = manager.getCurrentPreset();
         ASSERT_NE (preset, nullptr);
         SCOPED_TRACE (preset->name.toStdString());
+        // Described for the browser: a unique name that is its file's, a type, an author, a helpful note.
+        EXPECT_TRUE (names.insert (preset->name).second && preset->file.getFileNameWithoutExtension() == preset->name);
+        EXPECT_TRUE (preset->type.isNotEmpty() && preset->author.isNotEmpty() && preset->notes.length() >= 80);
+        types.insert (preset->type);
+        authors.insert (preset->author);
 
         // Every value arrives as the file states it, in order, in range and on the parameter's grid, up to
         // float rounding.
@@ -177,4 +160,28 @@ TEST (FactoryPresets, LoadExactlySurviveASaveAndAHostRecallAndSoundAlikeInLoudne
     // Stepping through the set with "»" never jumps by more than a listener accepts.
     EXPECT_LT (loudest - quietest, 6.0);
     EXPECT_EQ (modifiedReports, 0) << "loading a factory preset is no edit";
+    for (const char* type : { "Pad", "Keys", "Bass", "Pluck", "Lead", "Texture", "FX" })
+        EXPECT_EQ (types.count (type), 1u) << type;
+    EXPECT_GE (authors.size(), 3u);
+}
+
+TEST (FactoryPresets, FillALibraryWithPresetsOnlyInSubFoldersButNeverReplaceAUsersFile)
+{
+    // A fresh library gets the bundle's set and a used one nothing: the hosted tests play both through
+    // the built bundle. Here, presets only in sub-folders do not make the library a used one.
+    ScopedTempHome home;
+    const auto factory = home.folder.getChildFile ("ondrivel.vst3/Contents/Resources/Presets"), lib = home.library();
+    writePresetFile (factory.getChildFile ("Factory One.xml"), "Factory One", "Pad", "Velkaro");
+    writePresetFile (factory.getChildFile ("Basses/Factory Two.xml"), "Factory Two", "Bass", "Velkaro");
+    writePresetFile (lib.getChildFile ("Basses/Factory Two.xml"), "my own edit");
+    const auto users = snapshotFiles (lib);
+    velkaro::PresetManager::copyFactoryPresetsIfEmpty (lib, factory);
+    const auto after = snapshotFiles (lib);
+    EXPECT_EQ (after.size(), 2u);
+    EXPECT_EQ (after.at ("Basses/Factory Two.xml"), users.at ("Basses/Factory Two.xml"));
+    EXPECT_EQ (after.at ("Factory One.xml"), snapshotFiles (factory).at ("Factory One.xml"));
+
+    // A bundle without presets copies nothing and fails nothing.
+    velkaro::PresetManager::copyFactoryPresetsIfEmpty (home.folder.getChildFile ("empty"), home.folder.getChildFile ("none"));
+    EXPECT_FALSE (home.folder.getChildFile ("empty").exists());
 }

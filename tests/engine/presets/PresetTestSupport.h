@@ -2,10 +2,11 @@
 // A throw-away home folder for preset and editor tests, and small helpers to write preset files into it.
 #pragma once
 
+#include <algorithm>
 #include <cstdlib>
 #include <map>
 
-#include <juce_core/juce_core.h>
+#include <juce_audio_processors/juce_audio_processors.h>
 
 #include "core/ParameterTable.h"
 #include "presets/Preset.h"
@@ -15,15 +16,11 @@
 // and tests run in parallel never share a file.
 struct ScopedTempHome
 {
-    ScopedTempHome()
+    ScopedTempHome() : previous (std::getenv ("HOME") != nullptr ? std::getenv ("HOME") : "")
     {
-        if (const char* old = std::getenv ("HOME"))
-            previous = old;
-        folder = juce::File::getSpecialLocation (juce::File::tempDirectory).getNonexistentChildFile ("ondrivel-home-" + juce::String (juce::Random::getSystemRandom().nextInt64()), {}, false);
         folder.createDirectory();
         setenv ("HOME", folder.getFullPathName().toRawUTF8(), 1);
     }
-
     ~ScopedTempHome()
     {
         if (previous.isNotEmpty())
@@ -33,8 +30,9 @@ struct ScopedTempHome
 
     juce::File library() const { return velkaro::PresetManager::presetFolder(); }
 
-    juce::File folder;
     juce::String previous;
+    juce::File folder = juce::File::getSpecialLocation (juce::File::tempDirectory)
+                            .getNonexistentChildFile ("ondrivel-home-" + juce::String (juce::Random::getSystemRandom().nextInt64()), {}, false);
 };
 
 using ValueTexts = std::map<juce::String, juce::String>;
@@ -45,15 +43,13 @@ inline std::unique_ptr<juce::XmlElement> makePresetXml (const juce::String& name
 {
     auto xml = std::make_unique<juce::XmlElement> ("ondrivel");
     auto* program = xml->createNewChildElement ("PROGRAM");
-    program->setAttribute ("NAME", name);
-    program->setAttribute ("TYPE", type);
-    program->setAttribute ("AUTHOR", author);
+    for (const auto& [key, text] : { std::pair ("NAME", name), std::pair ("TYPE", type), std::pair ("AUTHOR", author) })
+        program->setAttribute (key, text);
     for (const auto& row : parameterTable)
     {
         auto* param = xml->createNewChildElement ("PARAM");
         param->setAttribute ("id", row.id);
-        const auto found = values.find (row.id);
-        param->setAttribute ("value", found != values.end() ? found->second : juce::String (row.defaultValue));
+        param->setAttribute ("value", values.count (row.id) != 0 ? values.at (row.id) : juce::String (row.defaultValue));
     }
     xml->createNewChildElement ("NOTES")->setAttribute ("TEXT", "notes of " + name);
     return xml;
@@ -69,9 +65,8 @@ inline juce::File writePresetFile (const juce::File& file, const juce::String& n
 
 inline std::vector<juce::String> namesOf (const std::vector<velkaro::Preset*>& presets)
 {
-    std::vector<juce::String> result;
-    for (const auto* p : presets)
-        result.push_back (p->name);
+    std::vector<juce::String> result (presets.size());
+    std::transform (presets.begin(), presets.end(), result.begin(), [] (auto* p) { return p->name; });
     return result;
 }
 
@@ -82,4 +77,22 @@ inline std::map<juce::String, juce::MemoryBlock> snapshotFiles (const juce::File
     for (const auto& f : folder.findChildFiles (juce::File::findFiles, true, "*", juce::File::FollowSymlinks::noCycles))
         f.loadFileAsData (result[f.getRelativePathFrom (folder)]);
     return result;
+}
+
+// Plays `blocks` blocks of `blockSize` samples with `midi` in the first; returns the RMS of the output,
+// NaN when a sample is not finite.
+inline double renderRms (juce::AudioProcessor& p, int blocks, const juce::MidiBuffer& midi = {}, int blockSize = 256)
+{
+    juce::AudioBuffer<float> buffer (2, blockSize);
+    double energy = 0.0;
+    for (int b = 0; b < blocks; ++b)
+    {
+        juce::MidiBuffer events (b == 0 ? midi : juce::MidiBuffer());
+        buffer.clear();
+        p.processBlock (buffer, events);
+        for (int ch = 0; ch < 2; ++ch)
+            for (int i = 0; i < blockSize; ++i)
+                energy += (double) buffer.getSample (ch, i) * buffer.getSample (ch, i);
+    }
+    return std::sqrt (energy / (2.0 * blocks * blockSize));
 }
