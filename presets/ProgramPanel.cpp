@@ -146,7 +146,7 @@ void ProgramPanel::saveNew()
     save (newPresetFile());
 }
 
-void ProgramPanel::save (const juce::File& file)
+void ProgramPanel::save (juce::File file)
 {
     // A failed write changes nothing: what was typed stays, and so do the buttons, for another try.
     if (! writeProgram (manager.getState().copyState(), readFields(), file))

@@ -56,7 +56,7 @@ private:
     void saveNew();
     void checkName (const juce::String& name);
     juce::File newPresetFile() const;
-    void save (const juce::File& file);
+    void save (juce::File file); // a copy: the reload inside destroys the record that may own it
     void enableButtons();
 
     PresetManager& manager;
