@@ -23,6 +23,11 @@ juce::Random& panRandom()
 }
 } // namespace
 
+void SynthVoice::seedPlacement (juce::int64 seed) noexcept
+{
+    panRandom().setSeed (seed);
+}
+
 SynthVoice::SynthVoice()
 {
     noiseRandom.setSeedRandomly();

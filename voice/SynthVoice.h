@@ -34,6 +34,11 @@ public:
     void renderNextBlock (juce::AudioBuffer<float>& outputBuffer, int startSample, int numSamples) override;
     using juce::SynthesiserVoice::renderNextBlock;
 
+    // Restarts the voice's noise source, and the placement source of the calling thread, from fixed
+    // seeds, so that a render can be repeated sample for sample.
+    void seedGenerators (juce::int64 noiseSeed) noexcept { noiseRandom.setSeed (noiseSeed); }
+    static void seedPlacement (juce::int64 seed) noexcept;
+
     // The note's placement and envelope as they stand, for whoever drives the voice.
     float getPanGainLeft() const noexcept { return panGainLeft; }
     float getPanGainRight() const noexcept { return panGainRight; }
