@@ -31,6 +31,10 @@ public:
 
 private:
     void processSample (float& left, float& right, bool delayOn, float revmix, TiltEqualiser& tilt) noexcept;
+    float stepEnvelope() noexcept;
+    bool canRest (const float* left, const float* right, int numSamples, const TiltEqualiser& tilt) const noexcept;
+    // Moves envelope and positions over silence that finds nothing in the planes.
+    void rest (int numSamples) noexcept;
     void freezeBlock() noexcept;
     void clearPlanes() noexcept;
 
@@ -63,4 +67,7 @@ private:
     float rampLenF = 400.0f;
 
     float sampleRateF = 48000.0f;
+
+    bool cycleSound = false;  // something other than zero was recorded since the block began
+    bool planesClear = true;  // all four planes hold only zeros
 };
