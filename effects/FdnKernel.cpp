@@ -17,6 +17,10 @@ void FdnKernel::chooseTap (State& s) noexcept
     }
     // The padding lane reads its own column, which no line uses.
     s.readAt[tap][numLines] = (std::int64_t) (s.writeIndex * width + numLines);
+
+    s.tapsShareReads = true;
+    for (int i = 0; i < width; ++i)
+        s.tapsShareReads = s.tapsShareReads && s.readAt[0][i] == s.readAt[1][i];
 }
 
 template void FdnKernel::operator()<xsimd::sse2> (xsimd::sse2, State&, const double*, double*, int, bool) const noexcept;

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <type_traits>
 #include <utility>
 
 #include <xsimd/xsimd.hpp>
@@ -43,6 +44,20 @@ inline B rowSums (const double* run, std::index_sequence<m...>) noexcept
     ((sum = rowSignNegative[m] ? sum - B::load_unaligned (run + m) : sum + B::load_unaligned (run + m)), ...);
     return sum;
 }
+
+// One read per line from the rows given as element indexes.
+template <class Arch>
+inline xsimd::batch<double, Arch> gatherLines (const double* lines, const std::int64_t* at) noexcept
+{
+    using I = xsimd::batch<std::int64_t, Arch>;
+#if defined(__AVX2__)
+    // xsimd 8.1 never reaches its own AVX2 gather for doubles (it falls back to one load per lane).
+    if constexpr (std::is_same<Arch, xsimd::avx2>::value)
+        return _mm256_i64gather_pd (lines, I::load_aligned (at), 8);
+    else
+#endif
+        return xsimd::batch<double, Arch>::gather (lines, I::load_aligned (at));
+}
 } // namespace fdn_kernel_detail
 
 template <class Arch>
@@ -76,16 +91,21 @@ void FdnKernel::operator() (Arch, State& s, const double* input, double* output,
         if (s.fadeCount == 0)
             chooseTap (s);
 
-        for (int tap = 0; tap < 2; ++tap)
-            for (int v = 0; v < width; v += n)
+        for (int v = 0; v < width; v += n)
+        {
+            // Once both taps have been pointed at the same delays they read the same samples.
+            const B read0 = gatherLines<Arch> (s.lines, s.readAt[0] + v);
+            const B read1 = s.tapsShareReads ? read0 : gatherLines<Arch> (s.lines, s.readAt[1] + v);
+            for (int tap = 0; tap < 2; ++tap)
             {
-                const B x = B::gather (s.lines, I::load_aligned (s.readAt[tap] + v));
+                const B x = tap == 0 ? read0 : read1;
                 const B c = B::load_aligned (s.coefficient[tap] + v);
                 const B y = (c * x + B::load_aligned (s.lastInput[tap] + v)) - c * B::load_aligned (s.lastOutput[tap] + v);
                 x.store_aligned (s.lastInput[tap] + v);
                 y.store_aligned (s.lastOutput[tap] + v);
                 y.store_aligned (tapOut[tap] + v);
             }
+        }
 
         const B f (fadeTable[s.fadeCount]);
         const B g (1.0 - fadeTable[s.fadeCount]);

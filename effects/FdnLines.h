@@ -29,5 +29,6 @@ struct FdnLines
     long writeIndex = 0;
     int fadeCount = 0;
     int activeTap = 0;
+    bool tapsShareReads = false; // both taps read the same rows
     long quietTicks = 0; // ticks since a line was written at or above the resting limit
 };

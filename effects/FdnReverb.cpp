@@ -111,6 +111,7 @@ void FdnReverb::updateLines()
         for (auto& tap : state.readAt)
             for (int i = 0; i < FdnKernel::width; ++i)
                 tap[i] = i;
+        state.tapsShareReads = true;
     }
 }
 

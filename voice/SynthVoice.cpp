@@ -44,11 +44,8 @@ void SynthVoice::prepareVoice (double sampleRate)
     vibratoLfo.prepare (sampleRate);
 
     folder.prepare (sampleRate);
-    // Coefficients first, then the reset, so the state is sized here and never on the audio thread.
-    highPassA.coefficients = juce::dsp::IIR::Coefficients<float>::makeHighPass (sampleRate, 35.0f, 0.707f);
-    highPassA.reset();
-    highPassB.coefficients = juce::dsp::IIR::Coefficients<float>::makeHighPass (sampleRate, 25.0f, 0.707f);
-    highPassB.reset();
+    highPassA.prepare (sampleRate, 35.0f);
+    highPassB.prepare (sampleRate, 25.0f);
 
     setCurrentPlaybackSampleRate (sampleRate);
 }
@@ -217,8 +214,17 @@ __attribute__ ((flatten)) void SynthVoice::renderNextBlock (juce::AudioBuffer<fl
             envelope = env;
         }
 
-        for (int i = 0; i < produced; ++i)
-            noiseChunk[(size_t) i] = noiseRandom.nextFloat();
+        // The generator's own steps, written out so they inline: the same draws as nextFloat.
+        {
+            auto seed = (juce::uint64) noiseRandom.getSeed();
+            for (int i = 0; i < produced; ++i)
+            {
+                seed = (seed * 0x5deece66dULL + 11) & 0xffffffffffffULL;
+                const float r = (float) (juce::uint32) (int) (seed >> 16) / ((float) std::numeric_limits<juce::uint32>::max() + 1.0f);
+                noiseChunk[(size_t) i] = juce::jmin (r, 1.0f - std::numeric_limits<float>::epsilon());
+            }
+            noiseRandom.setSeed ((juce::int64) seed);
+        }
 
         {
             auto mod = modulator;

@@ -11,6 +11,7 @@
 #include "voice/OnePole.h"
 #include "voice/PhaseOscillator.h"
 #include "voice/VibratoLfo.h"
+#include "voice/VoiceHighPass.h"
 #include "voice/VoiceEnvelope.h"
 #include "voice/WaveFolder.h"
 
@@ -110,8 +111,8 @@ private:
     std::array<float, (size_t) chunkSize> envelopeChunk {};
     std::array<float, (size_t) chunkSize> noiseChunk {};
     std::array<float, (size_t) chunkSize> signalChunk {};
-    juce::dsp::IIR::Filter<float> highPassA;
-    juce::dsp::IIR::Filter<float> highPassB;
+    VoiceHighPass highPassA;
+    VoiceHighPass highPassB;
 
     int noteOffset = 0;
     double semitoneBase = 1.0594630943592953;

@@ -8,6 +8,7 @@
 #include <juce_dsp/juce_dsp.h>
 
 #include "voice/OnePole.h"
+#include "voice/VoiceHighPass.h"
 
 class WaveFolder
 {
@@ -47,5 +48,5 @@ public:
     bool foldOn = false;
     OnePole foldFilter;
     // Removes the constant the folder makes from silence, and the low rumble of folding.
-    juce::dsp::IIR::Filter<float> highPassFold;
+    VoiceHighPass highPassFold;
 };
