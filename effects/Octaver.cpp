@@ -214,8 +214,9 @@ void Octaver::processFrame() noexcept
         anaMagn[(size_t) k] = (float) magnitude;
     }
 
-    std::fill (synMagn.begin(), synMagn.begin() + frameSize, 0.0f);
-    std::fill (synFreq.begin(), synFreq.begin() + frameSize, 0.0f);
+    // Only the bins up to half the frame are ever written or read.
+    std::fill (synMagn.begin(), synMagn.begin() + halfFrame + 1, 0.0f);
+    std::fill (synFreq.begin(), synFreq.begin() + halfFrame + 1, 0.0f);
     for (long k = 0; k <= halfFrame; ++k)
     {
         const long index = (long) (ratio * (float) k);
