@@ -45,10 +45,9 @@ void BlockDelay::clearPlanes() noexcept
 {
     cycleSound = false;
     planesClear = true;
-    std::fill (std::begin (recordL), std::end (recordL), 0.0f);
-    std::fill (std::begin (recordR), std::end (recordR), 0.0f);
-    std::fill (std::begin (playL), std::end (playL), 0.0f);
-    std::fill (std::begin (playR), std::end (playR), 0.0f);
+    for (float* plane : { recordL, recordR, playL, playR })
+        std::fill (plane, plane + writtenEnd, 0.0f);
+    writtenEnd = 0;
 }
 
 void BlockDelay::reset (double sampleRate)
@@ -91,6 +90,8 @@ void BlockDelay::setupBlock (const Settings& s)
         readPos = newLength;
     }
     blockLen = newLength;
+    // Every write of this block lands at or below the block length.
+    writtenEnd = std::max (writtenEnd, std::min (newLength + 1, (int) planeSize));
 
     reverse = s.rev >= 0.5f;
     feedback = (float) (s.fdbk * 0.9);

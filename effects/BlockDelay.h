@@ -3,6 +3,9 @@
 // during the next one, forwards or backwards, with ring and pitch modulation and whole-block repeats.
 #pragma once
 
+#include <cstdlib>
+#include <memory>
+
 #include <juce_audio_basics/juce_audio_basics.h>
 
 #include "effects/TiltEqualiser.h"
@@ -38,10 +41,15 @@ private:
     void freezeBlock() noexcept;
     void clearPlanes() noexcept;
 
-    float recordL[planeSize] {};
-    float recordR[planeSize] {};
-    float playL[planeSize] {};
-    float playR[planeSize] {};
+    // The four planes in one zeroed block from the system, taken at construction: pages the delay
+    // never writes (lengths up to the longest, 5.5 s at 48 kHz) are never made resident.
+    struct FreeBlock { void operator() (float* p) const noexcept { std::free (p); } };
+    std::unique_ptr<float, FreeBlock> planes { static_cast<float*> (std::calloc (4 * (size_t) planeSize, sizeof (float))) };
+    float* const recordL = planes.get();
+    float* const recordR = recordL + planeSize;
+    float* const playL = recordR + planeSize;
+    float* const playR = playL + planeSize;
+    int writtenEnd = 2; // no plane has been written at or beyond this index since the last clearing
 
     int writePos = 0;
     int readPos = 0;
