@@ -150,7 +150,7 @@ void BlockDelay::processSample (float& left, float& right, bool delayOn, float r
     const float e = stepEnvelope();
 
     // One sample behind the write position: the feedback tap, and the forward read position.
-    const int p = (blockLen + writePos) % (blockLen + 1);
+    const int p = tapBehindWrite();
     if (! reverse)
         readPos = p;
 
@@ -269,7 +269,7 @@ void BlockDelay::rest (int numSamples) noexcept
     for (int i = 0; i < numSamples; ++i)
     {
         stepEnvelope();
-        const int p = (blockLen + writePos) % (blockLen + 1);
+        const int p = tapBehindWrite();
         if (! reverse)
             readPos = p;
         ++writePos;

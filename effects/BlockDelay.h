@@ -35,6 +35,8 @@ public:
 private:
     void processSample (float& left, float& right, bool delayOn, float revmix, TiltEqualiser& tilt) noexcept;
     float stepEnvelope() noexcept;
+    // (blockLen + writePos) modulo (blockLen + 1), for the write position's range 0 to blockLen.
+    int tapBehindWrite() const noexcept { return writePos > 0 ? writePos - 1 : blockLen; }
     bool canRest (const float* left, const float* right, int numSamples, const TiltEqualiser& tilt) const noexcept;
     // Moves envelope and positions over silence that finds nothing in the planes.
     void rest (int numSamples) noexcept;

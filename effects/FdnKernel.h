@@ -71,6 +71,7 @@ void FdnKernel::operator() (Arch, State& s, const double* input, double* output,
 
     const I rowStep ((std::int64_t) width);
     const I wrap ((std::int64_t) (s.ringLength * width));
+    const I lastRow ((std::int64_t) (s.ringLength * width - 1)); // any index above it has left the lines
 
     for (int t = 0; t < numSamples; ++t)
     {
@@ -128,12 +129,18 @@ void FdnKernel::operator() (Arch, State& s, const double* input, double* output,
         // Positions stay in [0, ringLength), so a wrap test gives what the modulo would.
         if (++s.writeIndex >= s.ringLength)
             s.writeIndex = 0;
-        for (int tap = 0; tap < 2; ++tap)
-            for (int v = 0; v < width; v += n)
+        for (int v = 0; v < width; v += n)
+        {
+            I next = I::load_aligned (s.readAt[0] + v) + rowStep;
+            next = xsimd::select (next > lastRow, next - wrap, next);
+            next.store_aligned (s.readAt[0] + v);
+            if (! s.tapsShareReads)
             {
-                const I next = I::load_aligned (s.readAt[tap] + v) + rowStep;
-                xsimd::select (next >= wrap, next - wrap, next).store_aligned (s.readAt[tap] + v);
+                next = I::load_aligned (s.readAt[1] + v) + rowStep;
+                next = xsimd::select (next > lastRow, next - wrap, next);
             }
+            next.store_aligned (s.readAt[1] + v);
+        }
         s.fadeCount = (s.fadeCount + 1) & 15;
 
         output[t] = sum / 15.0;
