@@ -19,6 +19,9 @@ public:
     // Starts a 50 ms fade whenever the switch changes; a fade in progress reverses from where it is.
     void setEnabled (bool on);
 
+    // False while the folder is off and no fade runs: process would then return its input as it is.
+    bool isActive() const noexcept { return foldMix.isSmoothing() || foldMix.getCurrentValue() > 0.0f; }
+
     // One sample of the voice's signal; `drive` is the squared timbre.
     float process (float s, float drive) noexcept
     {
