@@ -23,6 +23,23 @@ file(GLOB_RECURSE ONDRIVEL_SOURCES CONFIGURE_DEPENDS
 target_sources(ondrivel PRIVATE ${ONDRIVEL_SOURCES})
 target_include_directories(ondrivel PUBLIC ${CMAKE_SOURCE_DIR})
 
+# Vector kernels use xsimd (Debian's libxsimd-dev, headers only). The build stays at the x86-64
+# baseline; each *Avx2.cpp file alone is built for AVX2 (never FMA) and is chosen at run time.
+# Debian's package config names an optional xtl library that is not installed, so only the headers
+# are taken from it.
+find_path(XSIMD_INCLUDE_DIR xsimd/xsimd.hpp REQUIRED)
+target_include_directories(ondrivel PRIVATE ${XSIMD_INCLUDE_DIR})
+file(GLOB ONDRIVEL_AVX2_SOURCES CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/effects/*Avx2.cpp)
+set_source_files_properties(${ONDRIVEL_AVX2_SOURCES} PROPERTIES COMPILE_OPTIONS "-mavx2")
+# The sound's own loops may also be vectorised by the compiler: without fast-math it only puts
+# independent elements side by side, each with its own operations, and never reorders a sum.
+# Nothing reads the floating-point exception flags, so comparisons may be worked out for every
+# element (-fno-trapping-math changes no value; it lets limits and selections become vector code).
+file(GLOB ONDRIVEL_DSP_SOURCES CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/effects/*.cpp ${CMAKE_SOURCE_DIR}/voice/*.cpp
+  ${CMAKE_SOURCE_DIR}/core/KestruneAudioProcessor.cpp)
+set_source_files_properties(${ONDRIVEL_DSP_SOURCES} PROPERTIES COMPILE_OPTIONS "-ftree-vectorize;-fno-trapping-math")
+set_source_files_properties(${ONDRIVEL_AVX2_SOURCES} PROPERTIES COMPILE_OPTIONS "-mavx2;-ftree-vectorize;-fno-trapping-math")
+
 include(${CMAKE_SOURCE_DIR}/cmake/Resources.cmake OPTIONAL)
 include(${CMAKE_SOURCE_DIR}/cmake/EditorResources.cmake)
 

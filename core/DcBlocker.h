@@ -15,6 +15,9 @@ struct DcBlocker
         R = -140.0f / (float) sampleRate + 1.0f;
     }
 
+    // Holds nothing: a zero input then gives exactly zero.
+    bool isClear() const noexcept { return y1 == 0.0f && x1 == 0.0f; }
+
     float process (float x)
     {
         float y = x - x1 + y1 * R;

@@ -3,6 +3,7 @@
 
 #include "core/SoftClipper.h"
 #include "core/XmlText.h"
+#include "effects/SilenceCheck.h"
 #include "editor/PelvaneAudioProcessorEditor.h"
 #include "voice/SynthSound.h"
 #include "voice/SynthVoice.h"
@@ -244,21 +245,29 @@ void KestruneAudioProcessor::processBlock (juce::AudioBuffer<float>& buffer, juc
     applyModWheel (midi);
     midi.clear();
 
+    // Silence from the voices into blockers that hold nothing comes out of the first stages as zeros.
+    const int numChannels = juce::jmin (2, buffer.getNumChannels());
+    const bool mainQuiet = buffer.getNumChannels() == 2 && dcBlockerMain[0].isClear() && dcBlockerMain[1].isClear()
+                           && isSilent (buffer.getReadPointer (0), n) && isSilent (buffer.getReadPointer (1), n);
+
     // Plain loops: the buffer helpers skip gains near 0 or 1, which would not be the same arithmetic.
     const float gain = polyGain.next() * getParameterValue (ParameterIndex::volume) * 0.5f;
-    for (int ch = 0; ch < buffer.getNumChannels(); ++ch)
+    if (mainQuiet)
+        buffer.clear();
+    else
     {
-        auto* data = buffer.getWritePointer (ch);
-        for (int i = 0; i < n; ++i)
-            data[i] *= gain;
-    }
-
-    const int numChannels = juce::jmin (2, buffer.getNumChannels());
-    for (int ch = 0; ch < numChannels; ++ch)
-    {
-        auto* data = buffer.getWritePointer (ch);
-        for (int i = 0; i < n; ++i)
-            data[i] = softClip (data[i]);
+        for (int ch = 0; ch < buffer.getNumChannels(); ++ch)
+        {
+            auto* data = buffer.getWritePointer (ch);
+            for (int i = 0; i < n; ++i)
+                data[i] *= gain;
+        }
+        for (int ch = 0; ch < numChannels; ++ch)
+        {
+            auto* data = buffer.getWritePointer (ch);
+            for (int i = 0; i < n; ++i)
+                data[i] = softClip (data[i]);
+        }
     }
 
     blockDelay.setupBlock ({ getParameterValue (ParameterIndex::time), getParameterValue (ParameterIndex::sync),
@@ -268,12 +277,15 @@ void KestruneAudioProcessor::processBlock (juce::AudioBuffer<float>& buffer, juc
                              hostBpm, (float) currentSampleRate });
     tilt.setupBlock (getParameterValue (ParameterIndex::tilt), currentSampleRate);
 
-    for (int ch = 0; ch < numChannels; ++ch)
+    if (! mainQuiet)
     {
-        auto* data = buffer.getWritePointer (ch);
-        auto& dc = dcBlockerMain[(size_t) ch];
-        for (int i = 0; i < n; ++i)
-            data[i] = dc.process (data[i]);
+        for (int ch = 0; ch < numChannels; ++ch)
+        {
+            auto* data = buffer.getWritePointer (ch);
+            auto& dc = dcBlockerMain[(size_t) ch];
+            for (int i = 0; i < n; ++i)
+                data[i] = dc.process (data[i]);
+        }
     }
 
     const float octaveRatio = getParameterValue (ParameterIndex::up) > 0.0f ? 2.0f : 0.5f;
@@ -300,18 +312,23 @@ void KestruneAudioProcessor::processBlock (juce::AudioBuffer<float>& buffer, juc
         runFlanger (wetBuffer, n);
 
     const float m = getParameterValue (ParameterIndex::drywet);
-    for (int ch = 0; ch < buffer.getNumChannels(); ++ch)
+    // Zeros on both sides mix to zeros.
+    const bool wetSilent = mainQuiet && isSilent (wetBuffer.getReadPointer (0), n) && isSilent (wetBuffer.getReadPointer (1), n);
+    if (! wetSilent)
     {
-        auto* data = buffer.getWritePointer (ch);
-        for (int i = 0; i < n; ++i)
-            data[i] *= 1.0f - m;
-    }
-    for (int ch = 0; ch < numChannels; ++ch)
-    {
-        auto* data = buffer.getWritePointer (ch);
-        const auto* wet = wetBuffer.getReadPointer (ch);
-        for (int i = 0; i < n; ++i)
-            data[i] += m * wet[i];
+        for (int ch = 0; ch < buffer.getNumChannels(); ++ch)
+        {
+            auto* data = buffer.getWritePointer (ch);
+            for (int i = 0; i < n; ++i)
+                data[i] *= 1.0f - m;
+        }
+        for (int ch = 0; ch < numChannels; ++ch)
+        {
+            auto* data = buffer.getWritePointer (ch);
+            const auto* wet = wetBuffer.getReadPointer (ch);
+            for (int i = 0; i < n; ++i)
+                data[i] += m * wet[i];
+        }
     }
 
     reverbStage.process (buffer, n, getParameterValue (ParameterIndex::reverb), dcBlockerReverb[0], dcBlockerReverb[1]);

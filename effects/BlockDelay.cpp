@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "core/ParameterTable.h"
+#include "effects/SilenceCheck.h"
 
 namespace
 {
@@ -42,10 +43,11 @@ float catmullRom (const float* plane, int i, double t) noexcept
 
 void BlockDelay::clearPlanes() noexcept
 {
-    std::fill (std::begin (recordL), std::end (recordL), 0.0f);
-    std::fill (std::begin (recordR), std::end (recordR), 0.0f);
-    std::fill (std::begin (playL), std::end (playL), 0.0f);
-    std::fill (std::begin (playR), std::end (playR), 0.0f);
+    cycleSound = false;
+    planesClear = true;
+    for (float* plane : { recordL, recordR, playL, playR })
+        std::fill (plane, plane + writtenEnd, 0.0f);
+    writtenEnd = 0;
 }
 
 void BlockDelay::reset (double sampleRate)
@@ -88,6 +90,8 @@ void BlockDelay::setupBlock (const Settings& s)
         readPos = newLength;
     }
     blockLen = newLength;
+    // Every write of this block lands at or below the block length.
+    writtenEnd = std::max (writtenEnd, std::min (newLength + 1, (int) planeSize));
 
     reverse = s.rev >= 0.5f;
     feedback = (float) (s.fdbk * 0.9);
@@ -121,7 +125,7 @@ void BlockDelay::freezeBlock() noexcept
     }
 }
 
-void BlockDelay::processSample (float& left, float& right, bool delayOn, float revmix, TiltEqualiser& tilt) noexcept
+float BlockDelay::stepEnvelope() noexcept
 {
     // Envelope: rises over the head of the block, holds, falls over the tail; where head and tail
     // overlap the two steps cancel and the value holds.
@@ -137,16 +141,26 @@ void BlockDelay::processSample (float& left, float& right, bool delayOn, float r
         e = envMax;
     e = e < 0.0f ? 0.0f : (envMax < e ? envMax : e);
     env = e;
+    return e;
+}
+
+
+void BlockDelay::processSample (float& left, float& right, bool delayOn, float revmix, TiltEqualiser& tilt) noexcept
+{
+    const float e = stepEnvelope();
 
     // One sample behind the write position: the feedback tap, and the forward read position.
-    const int p = (blockLen + writePos) % (blockLen + 1);
+    const int p = tapBehindWrite();
     if (! reverse)
         readPos = p;
 
     const int w = writePos & planeMask;
     const int tap = p & planeMask;
-    recordL[w] = left - playL[tap] * feedback;
-    recordR[w] = right - playR[tap] * feedback;
+    const float recordedL = left - playL[tap] * feedback;
+    const float recordedR = right - playR[tap] * feedback;
+    recordL[w] = recordedL;
+    recordR[w] = recordedR;
+    cycleSound = cycleSound || recordedL != 0.0f || recordedR != 0.0f;
 
     ++writePos;
     if (writePos < blockLen)
@@ -157,6 +171,9 @@ void BlockDelay::processSample (float& left, float& right, bool delayOn, float r
     else
     {
         freezeBlock();
+        // A block that recorded only zeros leaves both planes zero.
+        planesClear = ! cycleSound;
+        cycleSound = false;
         writePos = 0;
         if (reverse)
             readPos = blockLen - 1;
@@ -218,6 +235,14 @@ void BlockDelay::process (juce::AudioBuffer<float>& wet, int numSamples, bool de
 
     auto* left = wet.getWritePointer (0);
     auto* right = channels > 1 ? wet.getWritePointer (1) : nullptr;
+    if (canRest (left, right, numSamples, tilt))
+    {
+        rest (numSamples);
+        std::fill (left, left + numSamples, 0.0f);
+        if (right != nullptr)
+            std::fill (right, right + numSamples, 0.0f);
+        return;
+    }
     for (int i = 0; i < numSamples; ++i)
     {
         float l = left[i];
@@ -226,5 +251,39 @@ void BlockDelay::process (juce::AudioBuffer<float>& wet, int numSamples, bool de
         left[i] = l;
         if (right != nullptr)
             right[i] = r;
+    }
+}
+
+bool BlockDelay::canRest (const float* left, const float* right, int numSamples, const TiltEqualiser& tilt) const noexcept
+{
+    // Silence in, zero planes and settled modulators: every sample would come out zero, and only the
+    // envelope and the positions move. The ring modulator's smoothing follows the position even in
+    // silence, so a delay with squeeze on keeps running.
+    const bool fmSettled = fmAmount <= 0.0f || fmSmoothed == fmAmount;
+    return planesClear && ! cycleSound && squeeze == 0 && fmSettled && tilt.isClear()
+           && isSilent (left, numSamples) && (right == nullptr || isSilent (right, numSamples));
+}
+
+void BlockDelay::rest (int numSamples) noexcept
+{
+    for (int i = 0; i < numSamples; ++i)
+    {
+        stepEnvelope();
+        const int p = tapBehindWrite();
+        if (! reverse)
+            readPos = p;
+        ++writePos;
+        if (writePos < blockLen)
+        {
+            if (reverse)
+                --readPos;
+        }
+        else
+        {
+            // The frozen copy of a silent block is silence, which the play planes already hold.
+            writePos = 0;
+            if (reverse)
+                readPos = blockLen - 1;
+        }
     }
 }

@@ -3,6 +3,9 @@
 // during the next one, forwards or backwards, with ring and pitch modulation and whole-block repeats.
 #pragma once
 
+#include <cstdlib>
+#include <memory>
+
 #include <juce_audio_basics/juce_audio_basics.h>
 
 #include "effects/TiltEqualiser.h"
@@ -31,13 +34,24 @@ public:
 
 private:
     void processSample (float& left, float& right, bool delayOn, float revmix, TiltEqualiser& tilt) noexcept;
+    float stepEnvelope() noexcept;
+    // (blockLen + writePos) modulo (blockLen + 1), for the write position's range 0 to blockLen.
+    int tapBehindWrite() const noexcept { return writePos > 0 ? writePos - 1 : blockLen; }
+    bool canRest (const float* left, const float* right, int numSamples, const TiltEqualiser& tilt) const noexcept;
+    // Moves envelope and positions over silence that finds nothing in the planes.
+    void rest (int numSamples) noexcept;
     void freezeBlock() noexcept;
     void clearPlanes() noexcept;
 
-    float recordL[planeSize] {};
-    float recordR[planeSize] {};
-    float playL[planeSize] {};
-    float playR[planeSize] {};
+    // The four planes in one zeroed block from the system, taken at construction: pages the delay
+    // never writes (lengths up to the longest, 5.5 s at 48 kHz) are never made resident.
+    struct FreeBlock { void operator() (float* p) const noexcept { std::free (p); } };
+    std::unique_ptr<float, FreeBlock> planes { static_cast<float*> (std::calloc (4 * (size_t) planeSize, sizeof (float))) };
+    float* const recordL = planes.get();
+    float* const recordR = recordL + planeSize;
+    float* const playL = recordR + planeSize;
+    float* const playR = playL + planeSize;
+    int writtenEnd = 2; // no plane has been written at or beyond this index since the last clearing
 
     int writePos = 0;
     int readPos = 0;
@@ -63,4 +77,7 @@ private:
     float rampLenF = 400.0f;
 
     float sampleRateF = 48000.0f;
+
+    bool cycleSound = false;  // something other than zero was recorded since the block began
+    bool planesClear = true;  // all four planes hold only zeros
 };

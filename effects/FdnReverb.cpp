@@ -5,9 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
-#if defined(__SSE2__)
- #include <emmintrin.h>
-#endif
+#include "effects/FdnKernel.h"
 
 namespace
 {
@@ -17,36 +15,15 @@ constexpr int roomModes[FdnReverb::numLines][3] = {
     { 1, 2, 1 }, { 1, 2, 0 }, { 0, 0, 1 }, { 2, 1, 1 }, { 0, 1, 0 }, { 1, 0, 2 }, { 2, 0, 1 },
 };
 
-// Signs of one row of the circulant feedback matrix.
-constexpr bool rowSignNegative[FdnReverb::numLines] = { true,  false, false, false, true,  false, false, true,
-                                                        true,  false, true,  false, true,  true,  true };
-
 constexpr double speedOfSoundHalf = 170.145; // metres per second, halved: f = c/2 * |n / L|
 constexpr double absorptionCrossoverRadians = 6283.185307179586; // 2 pi 1000 Hz
 
-// How far the fading-in tap has come, per sample of its 16-sample turn.
-constexpr double fadeTable[16] = { 0.0, 0.0, 0.0, 0.0, 0.0, 0.0, 0.1, 0.2, 0.3, 0.4, 0.5, 0.6, 0.7, 0.8, 0.9, 1.0 };
-
-#if defined(__SSE2__)
-// Adds term m of every row, two rows per register, with the sign known at compile time, then the
-// next term: the same additions in the same order as a row summed on its own.
-template <size_t m>
-inline void addRowTerms (__m128d* sums, const double* run) noexcept
+// Chooses the widest instruction set the processor has, once.
+auto& tickDispatch()
 {
-    if constexpr (m < (size_t) FdnReverb::numLines)
-    {
-        for (size_t k = 0; k < 8; ++k)
-        {
-            const __m128d term = _mm_loadu_pd (run + m + 2 * k);
-            if constexpr (rowSignNegative[m])
-                sums[k] = _mm_sub_pd (sums[k], term);
-            else
-                sums[k] = _mm_add_pd (sums[k], term);
-        }
-        addRowTerms<m + 1> (sums, run);
-    }
+    static auto dispatch = xsimd::dispatch<xsimd::arch_list<xsimd::avx2, xsimd::sse2>> (FdnKernel {});
+    return dispatch;
 }
-#endif
 } // namespace
 
 double FdnReverb::sampleRate = 44100.0;
@@ -59,10 +36,10 @@ void FdnReverb::setSampleRate (float newSampleRate)
 }
 
 FdnReverb::FdnReverb (long lineCapacity, const int* draws)
-    : capacity (std::max (lineCapacity, 1L)),
-      buffers ((size_t) capacity * (size_t) numLines, 0.0)
+    : capacity (std::max (lineCapacity, 1L))
 {
-    absorptionB.fill (1.0);
+    std::fill (std::begin (state.absorptionB), std::end (state.absorptionB), 1.0);
+    tickDispatch(); // the processor's instruction sets are looked up here, not on the audio thread
 
     for (size_t i = 0; i < detune.size(); ++i)
         detune[i] = 2.0 * (draws[i] * 4.656612873077393e-10) - 1.0;
@@ -102,12 +79,12 @@ void FdnReverb::updateLines()
             dc = 0.618;
         if (dc > (double) capacity)
             dc = (double) capacity;
-        delayInt[i] = (long) (dc - 0.618);
-        const double frac = dc - (double) delayInt[i];
-        allpassCoefficient[i] = (1.0 - frac) / (1.0 + frac);
+        state.delayInt[i] = (long) (dc - 0.618);
+        const double frac = dc - (double) state.delayInt[i];
+        state.allpassCoefficient[i] = (1.0 - frac) / (1.0 + frac);
 
         const double g = std::max (std::pow (10.0, -3.0 * d * T / rt60Low), 0.0);
-        lineGain[i] = g;
+        state.lineGain[i] = g;
 
         // Gain at high frequencies relative to g, turned into a one-pole shelf crossing over at 1 kHz.
         const double r = std::max (std::pow (10.0, -3.0 * d * T / std::min (rt60High, rt60Low)) / g, 0.0);
@@ -118,118 +95,89 @@ void FdnReverb::updateLines()
         a = std::min (a, 0.0);
         a = std::max (a, -1.0);
         a = std::min (a, 1.0);
-        absorptionA[i] = a;
-        absorptionB[i] = 1.0 - std::abs (a);
+        state.absorptionA[i] = a;
+        state.absorptionB[i] = 1.0 - std::abs (a);
+    }
+
+    // A tap reads the sample written delayInt ticks before, so a line needs only that many plus one.
+    // Reads and writes wrap at the same length, so they meet the same samples as in a longer line.
+    const long longest = *std::max_element (state.delayInt, state.delayInt + numLines);
+    if (longest + 1 != state.ringLength || buffers.empty())
+    {
+        state.ringLength = longest + 1;
+        buffers.assign ((size_t) state.ringLength * (size_t) FdnKernel::width, 0.0);
+        state.lines = buffers.data();
+        state.writeIndex = 0;
+        for (auto& tap : state.readAt)
+            for (int i = 0; i < FdnKernel::width; ++i)
+                tap[i] = i;
+        state.tapsShareReads = true;
     }
 }
 
-double FdnReverb::tick (double input) noexcept
+bool FdnReverb::tailBelow (double limit) const noexcept
 {
-    // Every row reads only the previous tick's outputs, so all fifteen line inputs can be formed
-    // first; each keeps its own order of additions.
-    alignas (16) LineArray rowSum {};
-#if defined(__SSE2__)
+    const auto below = [limit] (const double* values)
     {
-        __m128d sums[width / 2];
-        for (auto& v : sums)
-            v = _mm_setzero_pd();
-        addRowTerms<0> (sums, lineOutRun.data());
-        for (size_t k = 0; k < width / 2; ++k)
-            _mm_store_pd (rowSum.data() + 2 * k, sums[k]);
-    }
-#else
-    for (size_t m = 0; m < (size_t) numLines; ++m)
+        for (int i = 0; i < numLines; ++i)
+            if (! (std::abs (values[i]) < limit))
+                return false;
+        return true;
+    };
+    for (int tap = 0; tap < 2; ++tap)
+        if (! below (state.lastInput[tap]) || ! below (state.lastOutput[tap]))
+            return false;
+    return below (state.absorptionState) && below (state.run);
+}
+
+void FdnReverb::clearTail() noexcept
+{
+    std::fill (buffers.begin(), buffers.end(), 0.0);
+    for (int tap = 0; tap < 2; ++tap)
     {
-        const double* run = lineOutRun.data() + m;
-        if (rowSignNegative[m])
-            for (size_t i = 0; i < width; ++i)
-                rowSum[i] -= run[i];
-        else
-            for (size_t i = 0; i < width; ++i)
-                rowSum[i] += run[i];
+        std::fill (std::begin (state.lastInput[tap]), std::end (state.lastInput[tap]), 0.0);
+        std::fill (std::begin (state.lastOutput[tap]), std::end (state.lastOutput[tap]), 0.0);
     }
-#endif
+    std::fill (std::begin (state.absorptionState), std::end (state.absorptionState), 0.0);
+    std::fill (std::begin (state.run), std::end (state.run), 0.0);
+    resting = true;
+}
 
-    double* const lines = buffers.data();
-    for (size_t i = 0; i < (size_t) numLines; ++i)
-        lines[i * (size_t) capacity + (size_t) writeIndex] = 0.25 * rowSum[i] + input;
-
-    if (fadeCount == 0)
+void FdnReverb::process (const double* input, double* output, int numSamples, bool inputSilent) noexcept
+{
+    if (! inputSilent)
     {
-        // A fresh read position on the tap that fades in next.
-        activeTap ^= 1;
-        auto& fresh = allpass[(size_t) activeTap];
-        for (size_t i = 0; i < (size_t) numLines; ++i)
-        {
-            readIndex[(size_t) activeTap][i] = (int) ((capacity + writeIndex - delayInt[i]) % capacity);
-            double c = allpassCoefficient[i];
-            if (c < -0.9999999) c = -0.9999999;
-            if (c > 0.9999999) c = 0.9999999;
-            fresh.coefficient[i] = c;
-        }
+        resting = false;
+        state.quietTicks = 0;
+        tickDispatch() (state, input, output, numSamples, false);
+        return;
     }
-
-    alignas (16) std::array<LineArray, 2> tapOut;
-    for (size_t tap = 0; tap < 2; ++tap)
+    // Silence in: tick while the tail sounds; a tail that has sunk below -140 dBFS in every line and
+    // every filter is cleared, so that the network rests instead of following it for minutes.
+    int done = 0;
+    while (! resting && done < numSamples)
     {
-        auto& ap = allpass[tap];
-        const auto& index = readIndex[tap];
-        auto& y = tapOut[tap];
-        size_t i = 0;
-#if defined(__SSE2__)
-        // Two lines per register; only the reads from their rings are separate.
-        for (; i + 1 < (size_t) numLines; i += 2)
-        {
-            const __m128d x = _mm_set_pd (lines[(i + 1) * (size_t) capacity + (size_t) index[i + 1]],
-                                          lines[i * (size_t) capacity + (size_t) index[i]]);
-            const __m128d c = _mm_load_pd (ap.coefficient.data() + i);
-            const __m128d out = _mm_sub_pd (_mm_add_pd (_mm_mul_pd (c, x), _mm_load_pd (ap.lastInput.data() + i)),
-                                            _mm_mul_pd (c, _mm_load_pd (ap.lastOutput.data() + i)));
-            _mm_store_pd (ap.lastInput.data() + i, x);
-            _mm_store_pd (ap.lastOutput.data() + i, out);
-            _mm_store_pd (y.data() + i, out);
-        }
-#endif
-        for (; i < (size_t) numLines; ++i)
-        {
-            const double x = lines[i * (size_t) capacity + (size_t) index[i]];
-            const double out = ap.coefficient[i] * x + ap.lastInput[i] - ap.coefficient[i] * ap.lastOutput[i];
-            ap.lastInput[i] = x;
-            ap.lastOutput[i] = out;
-            y[i] = out;
-        }
+        const int run = (int) std::min<long> (numSamples - done, std::max (1L, state.ringLength - state.quietTicks));
+        tickDispatch() (state, input + done, output + done, run, true);
+        done += run;
+        if (state.quietTicks >= state.ringLength && tailBelow (FdnLines::restingLimit))
+            clearTail();
     }
+    skipSilence (numSamples - done);
+    std::fill (output + done, output + numSamples, 0.0);
+}
 
-    const double f = fadeTable[(size_t) fadeCount];
-    const double g = 1.0 - f;
-    const auto& faded = tapOut[(size_t) (activeTap ^ 1)];
-    const auto& active = tapOut[(size_t) activeTap];
-    for (size_t i = 0; i < (size_t) numLines; ++i)
+void FdnReverb::skipSilence (long numSamples) noexcept
+{
+    // A tap is chosen whenever a tick starts at fade position 0; only the last two choices survive.
+    const long firstChoice = (16 - state.fadeCount) & 15;
+    if (firstChoice < numSamples)
     {
-        const double out = faded[i] * g + active[i] * f;
-        const double z = out * absorptionB[i] - absorptionA[i] * absorptionState[i];
-        absorptionState[i] = z;
-        lineOutRun[i] = z * lineGain[i];
+        const long choices = 1 + (numSamples - 1 - firstChoice) / 16;
+        if (choices > 2)
+            state.activeTap ^= (int) ((choices - 2) & 1);
+        for (long c = 0; c < std::min (choices, 2L); ++c)
+            FdnKernel::chooseTap (state);
     }
-
-    double sum = 0.0;
-    for (size_t i = 0; i < (size_t) numLines; ++i)
-        sum += lineOutRun[i];
-    for (size_t i = 0; i < (size_t) numLines - 1; ++i)
-        lineOutRun[(size_t) numLines + i] = lineOutRun[i];
-
-    // Indexes stay in [0, capacity), so a wrap test gives what the modulo would, without a division.
-    ++writeIndex;
-    if (writeIndex >= capacity)
-        writeIndex = 0;
-    const int end = (int) capacity;
-    for (auto& tapIndex : readIndex)
-        for (size_t i = 0; i < width; ++i)
-        {
-            const int next = tapIndex[i] + 1;
-            tapIndex[i] = next >= end ? 0 : next;
-        }
-    fadeCount = (fadeCount + 1) & 15;
-
-    return sum / 15.0;
+    state.fadeCount = (int) ((state.fadeCount + numSamples) & 15);
 }

@@ -7,13 +7,15 @@
 #include <cstddef>
 #include <vector>
 
+#include "effects/FdnLines.h"
+
 class FdnReverb
 {
 public:
-    static constexpr int numLines = 15;
+    static constexpr int numLines = FdnLines::numLines;
 
-    // Allocates the lines, so construct only while preparing. `draws` are fifteen values of the
-    // unseeded rand sequence, one per line in order, from which the detunings come.
+    // `lineCapacity` bounds the delays; `draws` are fifteen values of the unseeded rand sequence,
+    // one per line in order, from which the detunings come. Construct only while preparing.
     FdnReverb (long lineCapacity, const int* draws);
 
     // The rate every network of the process works at; set before constructing one.
@@ -23,50 +25,34 @@ public:
     void setDecay (double newRt60Low, double newRt60High) noexcept;
     void setSpread (double newSpread) noexcept { spread = newSpread; }
 
-    // Recomputes delays, gains and absorption of every line from the room.
+    // Recomputes delays, gains and absorption of every line from the room, and sizes the lines to the
+    // longest delay they read; allocates, so call only while preparing.
     void updateLines();
 
-    double tick (double input) noexcept;
+    // One output per input. `inputSilent` says every input is zero: the network then watches its
+    // tail and, once all it holds lies below -140 dBFS, clears itself and rests until input returns.
+    void process (const double* input, double* output, int numSamples, bool inputSilent) noexcept;
+
+    // True while the network holds nothing but zeros and so stays silent without input.
+    bool isResting() const noexcept { return resting; }
+    long getLineLength() const noexcept { return state.ringLength; }
 
 private:
-    // Lines are kept as columns: every line has the same capacity and advances in step, so the write
-    // position, the fade position and the active tap are one value for all of them. Arrays are 16
-    // wide so whole rows can be summed in pairs; entry 15 is never read back.
-    static constexpr std::size_t width = 16;
-    using LineArray = std::array<double, width>;
-
-    struct Allpass
-    {
-        alignas (16) LineArray coefficient {};
-        alignas (16) LineArray lastInput {};
-        alignas (16) LineArray lastOutput {};
-    };
+    // Stands in for `numSamples` ticks of a network that holds only zeros: the fade and the taps move
+    // on as they would; the write position may stay, as nothing in the lines tells positions apart.
+    void skipSilence (long numSamples) noexcept;
+    bool tailBelow (double limit) const noexcept;
+    void clearTail() noexcept;
 
     static double sampleRate;
     static double inverseSampleRate;
 
-    long capacity = 1;
-    std::vector<double> buffers; // line i occupies [i * capacity, (i + 1) * capacity)
+    long capacity = 1; // the longest delay a line may be given
+    std::vector<double> buffers;
+    FdnLines state;
+    bool resting = false;
 
-    std::array<Allpass, 2> allpass {};
-    alignas (16) LineArray allpassCoefficient {};
-    std::array<long, width> delayInt {};
-    alignas (16) std::array<std::array<int, width>, 2> readIndex {}; // below capacity, which fits an int
-    long writeIndex = 0;
-    int fadeCount = 0;
-    int activeTap = 0;
-
-    // The absorbing one-pole per line: z = x b - a z1.
-    alignas (16) LineArray absorptionB {};
-    alignas (16) LineArray absorptionA {};
-    alignas (16) LineArray absorptionState {};
-
-    alignas (16) LineArray lineGain {};
-    // lineOut followed by lineOutCopy[0..13]: the previous tick's outputs laid out twice, so that every
-    // row of the circulant mixing matrix is a straight run of 15 values; two zeros pad it to 16 wide.
-    alignas (16) std::array<double, numLines + numLines - 1 + 2> lineOutRun {};
     std::array<double, numLines> detune {};
-
     double lx = 0.0, ly = 0.0, lz = 0.0;
     double spread = 0.0;
     double rt60Low = 0.0, rt60High = 0.0;

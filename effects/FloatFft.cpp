@@ -5,12 +5,21 @@
 
 #include <cmath>
 
+#include "effects/FftStages.h"
+
 #if defined(__SSE2__)
  #include <emmintrin.h>
 #endif
 
 namespace
 {
+// Chooses the widest instruction set the processor has, once.
+auto& stagesDispatch()
+{
+    static auto dispatch = xsimd::dispatch<xsimd::arch_list<xsimd::avx2, xsimd::sse2>> (FftStages {});
+    return dispatch;
+}
+
 constexpr float pi = 3.14159265358979323846f;
 
 long stageCount (long frameSize)
@@ -105,6 +114,7 @@ FloatFft::FloatFft (long frameSize)
       forward (makeTwiddles (frameSize, -1)),
       inverse (makeTwiddles (frameSize, 1))
 {
+    stagesDispatch(); // the processor's instruction sets are looked up here, not on the audio thread
     const long twice = 2 * frameSize;
     for (long i = 2; i < twice - 2; i += 2)
     {
@@ -165,9 +175,13 @@ void FloatFft::transform (float* workspace, long sign) const noexcept
         firstStage = 2;
         le = 8;
         offset = 6;
+        // Every later stage spans at least eight floats, a whole vector at either width.
+        stagesDispatch() (workspace, twice, le, firstStage, stages, twiddles.real.data() + offset, twiddles.imag.data() + offset);
+        return;
     }
 #endif
 
+    // Frames too small for the vector stages (and builds without SSE2) step one butterfly at a time.
     for (long stage = firstStage; stage < stages; ++stage)
     {
         le <<= 1;
@@ -175,31 +189,8 @@ void FloatFft::transform (float* workspace, long sign) const noexcept
         const float* re = twiddles.real.data() + offset;
         const float* im = twiddles.imag.data() + offset;
         offset += (size_t) le2;
-
-        if (le2 == 2)
-        {
-            for (long i = 0; i < twice; i += le)
-                butterfly (workspace + i, workspace + i + 2, re[0], im[0]);
-            continue;
-        }
-
-#if defined(__SSE2__)
-        for (long group = 0; group < twice; group += le)
-        {
-            for (long j = 0; j < le2; j += 4)
-            {
-                float* a = workspace + group + j;
-                float* b = a + le2;
-                const __m128 t = twiddled (_mm_loadu_ps (b), _mm_loadu_ps (re + j), _mm_loadu_ps (im + j));
-                const __m128 first = _mm_loadu_ps (a);
-                _mm_storeu_ps (b, _mm_sub_ps (first, t));
-                _mm_storeu_ps (a, _mm_add_ps (first, t));
-            }
-        }
-#else
         for (long group = 0; group < twice; group += le)
             for (long j = 0; j < le2; j += 2)
                 butterfly (workspace + group + j, workspace + group + j + le2, re[j], im[j]);
-#endif
     }
 }

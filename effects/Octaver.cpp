@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "effects/SilenceCheck.h"
+
 
 namespace
 {
@@ -75,6 +77,9 @@ void Octaver::prepare (double sampleRate, int samplesPerBlock)
     outputAccumulator.fill (0.0f);
     anaFreq.fill (0.0f);
     anaMagn.fill (0.0f);
+    zeroRun = frameSize;
+    silentFrames = restingFrames;
+    silentStepRatio = 0.0f;
 }
 
 void Octaver::process (juce::AudioBuffer<float>& wet, int numSamples, float mix, float newRatio) noexcept
@@ -97,6 +102,28 @@ void Octaver::processChunk (juce::AudioBuffer<float>& wet, int start, int numSam
     float* m = mono.getWritePointer (0);
     float* out = output.getWritePointer (0);
 
+    // Silence into a vocoder that holds none: only the frame position and the synthesis phases move.
+    if (silentFrames >= restingFrames && zeroRun >= frameSize && isSilent (left, numSamples) && isSilent (right, numSamples))
+    {
+        if (rover == 0)
+            rover = latency;
+        for (int i = 0; i < numSamples;)
+        {
+            const long run = std::min ((long) (numSamples - i), frameSize - rover);
+            rover += run;
+            i += (int) run;
+            if (rover >= frameSize)
+            {
+                rover = latency;
+                processFrame();
+            }
+        }
+        zeroRun = std::min (zeroRun + numSamples, 2 * maxFrameSize);
+        std::fill (left, left + numSamples, 0.0f);
+        std::fill (right, right + numSamples, 0.0f);
+        return;
+    }
+
     for (int i = 0; i < numSamples; ++i)
     {
         float x = (left[i] + right[i]) * 0.5f;
@@ -110,6 +137,7 @@ void Octaver::processChunk (juce::AudioBuffer<float>& wet, int start, int numSam
 
     for (int i = 0; i < numSamples; ++i)
     {
+        zeroRun = m[i] == 0.0f ? std::min (zeroRun + 1, 2 * maxFrameSize) : 0;
         inFifo[(size_t) rover] = m[i];
         out[i] = outFifo[(size_t) (rover - latency)];
         ++rover;
@@ -138,6 +166,21 @@ void Octaver::processChunk (juce::AudioBuffer<float>& wet, int start, int numSam
 
 void Octaver::processFrame() noexcept
 {
+    // A frame of zeros after enough of them: the transforms would give zeros and the analysis the
+    // same phase steps as last time, so only the synthesis phases advance.
+    const bool silentInput = zeroRun >= frameSize;
+    if (silentInput && silentFrames >= restingFrames && juce::exactlyEqual (silentStepRatio, ratio))
+    {
+        for (long k = 0; k <= halfFrame; ++k)
+            sumPhase[(size_t) k] = (float) (phaseStep[(size_t) k] + sumPhase[(size_t) k]);
+        return;
+    }
+    // The steps are those of every later silent frame once the last phases are zero, as a silent
+    // frame leaves them.
+    const bool stepsRepeat = silentInput && silentFrames >= 1;
+    silentFrames = silentInput ? std::min (silentFrames + 1, restingFrames) : 0;
+    silentStepRatio = stepsRepeat ? ratio : 0.0f;
+
     const auto& window = hannTable().values;
     float* ws = fftWorkspace.data();
 
@@ -171,8 +214,9 @@ void Octaver::processFrame() noexcept
         anaMagn[(size_t) k] = (float) magnitude;
     }
 
-    std::fill (synMagn.begin(), synMagn.begin() + frameSize, 0.0f);
-    std::fill (synFreq.begin(), synFreq.begin() + frameSize, 0.0f);
+    // Only the bins up to half the frame are ever written or read.
+    std::fill (synMagn.begin(), synMagn.begin() + halfFrame + 1, 0.0f);
+    std::fill (synFreq.begin(), synFreq.begin() + halfFrame + 1, 0.0f);
     for (long k = 0; k <= halfFrame; ++k)
     {
         const long index = (long) (ratio * (float) k);
@@ -187,6 +231,7 @@ void Octaver::processFrame() noexcept
     {
         double d = ((synFreq[(size_t) k] - binFrequency * (double) k) / binFrequency) * 2.0 * pi / (double) oversampling
                    + expectedPhaseStep * (double) k;
+        phaseStep[(size_t) k] = d;
         sumPhase[(size_t) k] = (float) (d + sumPhase[(size_t) k]);
         const double phase = sumPhase[(size_t) k];
         ws[2 * k] = (float) (synMagn[(size_t) k] * std::cos (phase));

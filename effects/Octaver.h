@@ -48,6 +48,14 @@ private:
     std::array<float, maxFrameSize> synFreq {};
     std::array<float, maxFrameSize> synMagn {};
 
+    // The synthesis phase step of each bin in the last frame; a silent frame repeats it.
+    std::array<double, maxFrameSize / 2 + 1> phaseStep {};
+    // Silent frames in a row after which the overlap-add and output FIFOs hold only zeros.
+    static constexpr long restingFrames = 10;
+    long silentFrames = restingFrames;
+    long zeroRun = 2 * maxFrameSize;  // zero inputs in a row
+    float silentStepRatio = 0.0f;     // the ratio phaseStep holds a silent frame's steps for, or 0
+
     long rover = 0;
     long frameSize = 2048;
     long halfFrame = 1024;

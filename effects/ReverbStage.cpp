@@ -6,6 +6,7 @@
 #include <cmath>
 #include <iterator>
 
+#include "effects/SilenceCheck.h"
 #include "effects/UnseededRand.h"
 
 namespace
@@ -36,6 +37,10 @@ void ReverbStage::prepare (double sampleRate)
     preDelay.setMaximumDelayInSamples ((int) sampleRate);
     // setDelay clamps to what the line can hold.
     preDelay.setDelay ((float) (rate * 40.0 / 1000.0));
+    // Once this many zeros have gone in, the line holds nothing else.
+    preDelayLength = (long) preDelay.getMaximumDelayInSamples() + 2;
+    preDelayZeros = 0;
+    networkIn.fill (0.0);
 
     double u = (double) (highPassHz / rate);
     u = std::min (u, 0.5);
@@ -97,16 +102,43 @@ void ReverbStage::process (juce::AudioBuffer<float>& main, int numSamples, float
         return;
     }
 
-    auto& leftNet = *leftNetwork;
-    auto& rightNet = *rightNetwork;
     const float dry = 1.0f - mix;
+    for (int start = 0; start < numSamples; start += chunkSize)
+    {
+        const int n = std::min (chunkSize, numSamples - start);
+        processChunk (l + start, r + start, n, dry, left, right);
+    }
+}
 
-    for (int i = 0; i < numSamples; ++i)
+bool ReverbStage::isQuiet (const DcBlocker& left, const DcBlocker& right) const noexcept
+{
+    return left.isClear() && right.isClear() && highPassState == 0.0 && preDelayZeros >= preDelayLength
+           && leftNetwork->isResting() && rightNetwork->isResting();
+}
+
+void ReverbStage::processChunk (float* l, float* r, int n, float dry, DcBlocker& left, DcBlocker& right) noexcept
+{
+    // Silence into a stage that holds nothing gives silence, and the stage need not run.
+    if (isQuiet (left, right) && isSilent (l, n) && isSilent (r, n))
+    {
+        std::fill (l, l + n, 0.0f);
+        std::fill (r, r + n, 0.0f);
+        leftNetwork->process (networkIn.data(), networkLeft.data(), n, true);
+        rightNetwork->process (networkIn.data(), networkRight.data(), n, true);
+        return;
+    }
+
+    bool silentIn = true;
+    for (int i = 0; i < n; ++i)
     {
         const float dL = left.process (l[i]);
         const float dR = right.process (r[i]);
+        l[i] = dL;
+        r[i] = dR;
 
         const double p = (double) preDelay.popSample (0);
+        networkIn[(size_t) i] = p;
+        silentIn = silentIn && p == 0.0;
 
         const double mono = (dL + dR) * 0.5;
         const double z = highPassState;
@@ -114,9 +146,16 @@ void ReverbStage::process (juce::AudioBuffer<float>& main, int numSamples, float
         if (state >= -tinyState && state <= tinyState)
             state = 0.0;
         highPassState = state;
-        preDelay.pushSample (0, (float) (mono - z));
+        const float pushed = (float) (mono - z);
+        preDelay.pushSample (0, pushed);
+        preDelayZeros = pushed == 0.0f ? preDelayZeros + 1 : 0;
+    }
 
-        l[i] = dry * dL + mix * (float) leftNet.tick (p);
-        r[i] = dry * dR + mix * (float) rightNet.tick (p);
+    leftNetwork->process (networkIn.data(), networkLeft.data(), n, silentIn);
+    rightNetwork->process (networkIn.data(), networkRight.data(), n, silentIn);
+    for (int i = 0; i < n; ++i)
+    {
+        l[i] = dry * l[i] + mix * (float) networkLeft[(size_t) i];
+        r[i] = dry * r[i] + mix * (float) networkRight[(size_t) i];
     }
 }

@@ -3,6 +3,7 @@
 // mixed into the main signal by `reverb`.
 #pragma once
 
+#include <array>
 #include <memory>
 
 #include <juce_audio_basics/juce_audio_basics.h>
@@ -27,6 +28,11 @@ public:
     bool isPrepared() const noexcept { return leftNetwork != nullptr && rightNetwork != nullptr; }
 
 private:
+    static constexpr int chunkSize = 256;
+    void processChunk (float* l, float* r, int n, float dry, DcBlocker& left, DcBlocker& right) noexcept;
+    // True when nothing is left in the blockers, the high-pass, the pre-delay or the networks.
+    bool isQuiet (const DcBlocker& left, const DcBlocker& right) const noexcept;
+
     std::unique_ptr<FdnReverb> leftNetwork;
     std::unique_ptr<FdnReverb> rightNetwork;
 
@@ -40,4 +46,11 @@ private:
     double highPassState = 0.0;
 
     juce::dsp::DelayLine<float, juce::dsp::DelayLineInterpolationTypes::None> preDelay;
+    long preDelayLength = 1;
+    long preDelayZeros = 0; // zeros pushed in a row
+
+    // One chunk of the networks' input and outputs.
+    std::array<double, chunkSize> networkIn {};
+    std::array<double, chunkSize> networkLeft {};
+    std::array<double, chunkSize> networkRight {};
 };

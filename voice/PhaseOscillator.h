@@ -21,6 +21,9 @@ public:
         return p - (double) (int) x;
     }
 
+    // The same as wrap for every phase, without a branch, so that a loop of them runs as vectors.
+    static double wrapBranchless (double p) noexcept { return p - (double) (int) (p + 0.5); }
+
     // Odd polynomial close to sin (2 pi p) for a wrapped phase; cheaper than std::sin per sample.
     static double shape (double p) noexcept
     {

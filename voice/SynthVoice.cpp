@@ -23,6 +23,11 @@ juce::Random& panRandom()
 }
 } // namespace
 
+void SynthVoice::seedPlacement (juce::int64 seed) noexcept
+{
+    panRandom().setSeed (seed);
+}
+
 SynthVoice::SynthVoice()
 {
     noiseRandom.setSeedRandomly();
@@ -39,11 +44,8 @@ void SynthVoice::prepareVoice (double sampleRate)
     vibratoLfo.prepare (sampleRate);
 
     folder.prepare (sampleRate);
-    // Coefficients first, then the reset, so the state is sized here and never on the audio thread.
-    highPassA.coefficients = juce::dsp::IIR::Coefficients<float>::makeHighPass (sampleRate, 35.0f, 0.707f);
-    highPassA.reset();
-    highPassB.coefficients = juce::dsp::IIR::Coefficients<float>::makeHighPass (sampleRate, 25.0f, 0.707f);
-    highPassB.reset();
+    highPassA.prepare (sampleRate, 35.0f);
+    highPassB.prepare (sampleRate, 25.0f);
 
     setCurrentPlaybackSampleRate (sampleRate);
 }
@@ -212,23 +214,69 @@ __attribute__ ((flatten)) void SynthVoice::renderNextBlock (juce::AudioBuffer<fl
             envelope = env;
         }
 
-        for (int i = 0; i < produced; ++i)
-            noiseChunk[(size_t) i] = noiseRandom.nextFloat();
+        // The generator's own steps, written out so they inline: the same draws as nextFloat.
+        {
+            auto seed = (juce::uint64) noiseRandom.getSeed();
+            for (int i = 0; i < produced; ++i)
+            {
+                seed = (seed * 0x5deece66dULL + 11) & 0xffffffffffffULL;
+                const float r = (float) (juce::uint32) (int) (seed >> 16) / ((float) std::numeric_limits<juce::uint32>::max() + 1.0f);
+                noiseChunk[(size_t) i] = juce::jmin (r, 1.0f - std::numeric_limits<float>::epsilon());
+            }
+            noiseRandom.setSeed ((juce::int64) seed);
+        }
 
         {
+            // The oscillators' phases and the noise filter are recurrences and step one sample at a
+            // time; everything else depends only on its own sample, so those passes run as vectors.
             auto mod = modulator;
+            const float fm = (modulatorRatio * noteFrequency) * pitchBendRatio;
+            for (int i = 0; i < produced; ++i)
+                phaseChunk[(size_t) i] = mod.advance (fm);
+            modulator = mod;
+
+            const float f = noteFrequency;
+            const float b = pitchBendRatio;
+            for (int i = 0; i < produced; ++i)
+            {
+                const double m = PhaseOscillator::shape (PhaseOscillator::wrapBranchless (
+                    phaseChunk[(size_t) i] + PhaseOscillator::radiansToCycles * 0.8999999761581421));
+                const float envelopeOut = envelopeChunk[(size_t) i];
+                const float vib = vibratoAmount * (vibratoChunk[(size_t) i] * 3.3f);
+
+                // Only the modulator's positive half reaches the carrier.
+                const float depth = envelopeModAmount * envelopeOut + timbreAmount;
+                float pm = depth * (float) m;
+                pm = pm > 1.0f ? 1.0f : pm;
+                pm = pm < 0.0f ? 0.0f : pm;
+
+                float n = noiseChunk[(size_t) i] * (noiseAmount - vib * noiseAmount);
+                n = n * (pm * pm + 1.0f);
+                noiseChunk[(size_t) i] = (envelopeModAmount * envelopeOut + 1.0f) * n;
+                modulationChunk[(size_t) i] = pm;
+                // Vibrato adds Hz in proportion to the note, unscaled by the bend.
+                frequencyChunk[(size_t) i] = b * f + (f * vib) * 0.1f;
+            }
+
             auto car = carrier;
             auto noise = noiseFilter;
             for (int i = 0; i < produced; ++i)
             {
-                const float envelopeOut = envelopeChunk[(size_t) i];
-                const double m = modulatorValue (mod);
-                const double c = carrierValue (car, noise, m, envelopeOut, vibratoChunk[(size_t) i], noiseChunk[(size_t) i]);
-                signalChunk[(size_t) i] = folder.process (envelopeOut * (float) c, timbreAmount);
+                noiseChunk[(size_t) i] = noise.process (noiseChunk[(size_t) i]);
+                phaseChunk[(size_t) i] = car.advance (frequencyChunk[(size_t) i]);
             }
-            modulator = mod;
             carrier = car;
             noiseFilter = noise;
+
+            for (int i = 0; i < produced; ++i)
+            {
+                const double cp = PhaseOscillator::wrapBranchless (
+                    (double) (modulationChunk[(size_t) i] + noiseChunk[(size_t) i]) * PhaseOscillator::radiansToCycles + phaseChunk[(size_t) i]);
+                signalChunk[(size_t) i] = envelopeChunk[(size_t) i] * (float) PhaseOscillator::shape (cp);
+            }
+            if (folder.isActive())
+                for (int i = 0; i < produced; ++i)
+                    signalChunk[(size_t) i] = folder.process (signalChunk[(size_t) i], timbreAmount);
         }
 
         float* l = left + chunkStart;

@@ -11,6 +11,7 @@
 #include "voice/OnePole.h"
 #include "voice/PhaseOscillator.h"
 #include "voice/VibratoLfo.h"
+#include "voice/VoiceHighPass.h"
 #include "voice/VoiceEnvelope.h"
 #include "voice/WaveFolder.h"
 
@@ -34,6 +35,11 @@ public:
     void renderNextBlock (juce::AudioBuffer<float>& outputBuffer, int startSample, int numSamples) override;
     using juce::SynthesiserVoice::renderNextBlock;
 
+    // Restarts the voice's noise source, and the placement source of the calling thread, from fixed
+    // seeds, so that a render can be repeated sample for sample.
+    void seedGenerators (juce::int64 noiseSeed) noexcept { noiseRandom.setSeed (noiseSeed); }
+    static void seedPlacement (juce::int64 seed) noexcept;
+
     // The note's placement and envelope as they stand, for whoever drives the voice.
     float getPanGainLeft() const noexcept { return panGainLeft; }
     float getPanGainRight() const noexcept { return panGainRight; }
@@ -41,42 +47,6 @@ public:
     int getEnvelopeState() const noexcept { return envelope.state; }
 
 private:
-    // One step of the modulator, read a fixed 0.9 rad ahead of its own phase. The oscillators and
-    // the noise filter come in as arguments so the render loop can keep them in registers.
-    double modulatorValue (PhaseOscillator& mod) const noexcept
-    {
-        const float fm = (modulatorRatio * noteFrequency) * pitchBendRatio;
-        mod.advance (fm);
-        const double mp = PhaseOscillator::wrap (mod.phase + PhaseOscillator::radiansToCycles * 0.8999999761581421);
-        return PhaseOscillator::shape (mp);
-    }
-
-    // Phase noise and carrier for one sample, from the modulator's value m, the envelope, the
-    // vibrato source and this sample's noise draw r; returns the carrier's value.
-    double carrierValue (PhaseOscillator& car, OnePole& noise, double m, float envelopeOut, float vibratoOutput, float r) const noexcept
-    {
-        const float f = noteFrequency;
-        const float b = pitchBendRatio;
-        const float vib = vibratoAmount * (vibratoOutput * 3.3f);
-
-        // Only the modulator's positive half reaches the carrier.
-        const float depth = envelopeModAmount * envelopeOut + timbreAmount;
-        float pm = depth * (float) m;
-        pm = pm > 1.0f ? 1.0f : pm;
-        pm = pm < 0.0f ? 0.0f : pm;
-
-        float n = r * (noiseAmount - vib * noiseAmount);
-        n = n * (pm * pm + 1.0f);
-        n = (envelopeModAmount * envelopeOut + 1.0f) * n;
-        const float y = noise.process (n);
-
-        // Vibrato adds Hz in proportion to the note, unscaled by the bend.
-        const float fc = b * f + (f * vib) * 0.1f;
-        car.advance (fc);
-        const double cp = PhaseOscillator::wrap ((double) (pm + y) * PhaseOscillator::radiansToCycles + car.phase);
-        return PhaseOscillator::shape (cp);
-    }
-
     void updateModulatorRatio (float pitchParameter);
 
     // Per-sample state first, so the render loop touches as few cache lines as possible.
@@ -105,8 +75,11 @@ private:
     std::array<float, (size_t) chunkSize> envelopeChunk {};
     std::array<float, (size_t) chunkSize> noiseChunk {};
     std::array<float, (size_t) chunkSize> signalChunk {};
-    juce::dsp::IIR::Filter<float> highPassA;
-    juce::dsp::IIR::Filter<float> highPassB;
+    std::array<float, (size_t) chunkSize> modulationChunk {};
+    std::array<float, (size_t) chunkSize> frequencyChunk {};
+    std::array<double, (size_t) chunkSize> phaseChunk {};
+    VoiceHighPass highPassA;
+    VoiceHighPass highPassB;
 
     int noteOffset = 0;
     double semitoneBase = 1.0594630943592953;

@@ -5,9 +5,7 @@
 void WaveFolder::prepare (double sampleRate)
 {
     foldFilter.prepare (sampleRate, 2500.0);
-    highPassFold.reset();
-    highPassFold.coefficients = juce::dsp::IIR::Coefficients<float>::makeHighPass (sampleRate, 40.0f, 0.707f);
-    highPassFold.reset();
+    highPassFold.prepare (sampleRate, 40.0f);
     foldMix.reset ((int) std::floor (sampleRate * 0.05));
 }
 

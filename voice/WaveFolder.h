@@ -8,6 +8,7 @@
 #include <juce_dsp/juce_dsp.h>
 
 #include "voice/OnePole.h"
+#include "voice/VoiceHighPass.h"
 
 class WaveFolder
 {
@@ -17,6 +18,9 @@ public:
 
     // Starts a 50 ms fade whenever the switch changes; a fade in progress reverses from where it is.
     void setEnabled (bool on);
+
+    // False while the folder is off and no fade runs: process would then return its input as it is.
+    bool isActive() const noexcept { return foldMix.isSmoothing() || foldMix.getCurrentValue() > 0.0f; }
 
     // One sample of the voice's signal; `drive` is the squared timbre.
     float process (float s, float drive) noexcept
@@ -47,5 +51,5 @@ public:
     bool foldOn = false;
     OnePole foldFilter;
     // Removes the constant the folder makes from silence, and the low rumble of folding.
-    juce::dsp::IIR::Filter<float> highPassFold;
+    VoiceHighPass highPassFold;
 };

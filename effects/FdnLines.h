@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: AGPL-3.0-or-later
+// Everything one tick of a feedback delay network reads and writes: fifteen lines padded to sixteen lanes.
+#pragma once
+
+#include <cstdint>
+
+struct FdnLines
+{
+    static constexpr int numLines = 15;
+    static constexpr int width = 16; // lines padded to a whole number of vectors; lane 15 is never read
+    static constexpr double restingLimit = 1.0e-7; // -140 dBFS
+
+    // The lines are stored time-major: the sample written at position w of line i sits at
+    // lines[w * width + i], so one tick writes one contiguous row.
+    alignas (32) double run[32] {};  // lineOut[0..14], then lineOut[0..13] again: each matrix row is a straight run
+    alignas (32) double coefficient[2][width] {};
+    alignas (32) double lastInput[2][width] {};
+    alignas (32) double lastOutput[2][width] {};
+    alignas (32) double absorptionB[width] {};
+    alignas (32) double absorptionA[width] {};
+    alignas (32) double absorptionState[width] {};
+    alignas (32) double lineGain[width] {};
+    alignas (32) std::int64_t readAt[2][width] {}; // element index of each tap's next read
+    alignas (32) double allpassCoefficient[width] {};
+    long delayInt[width] {};
+
+    double* lines = nullptr;
+    long ringLength = 1;
+    long writeIndex = 0;
+    int fadeCount = 0;
+    int activeTap = 0;
+    bool tapsShareReads = false; // both taps read the same rows
+    long quietTicks = 0; // ticks since a line was written at or above the resting limit
+};
