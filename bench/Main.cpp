@@ -5,7 +5,7 @@
 //
 //   ondrivel-bench render --plugin B --patch full|default|note|idle [--instances N] [--seconds S]
 //   ondrivel-bench memory --plugin B [--rate HZ]
-//   ondrivel-bench panel  --plugin B --width PX [--windows K] [--seconds S]
+//   ondrivel-bench panel  --plugin B --width PX|0 [--windows K] [--seconds S]
 //   ondrivel-bench soak   [--plugin B] [--seconds S]
 #include <algorithm>
 #include <cmath>
@@ -93,12 +93,13 @@ int panelMode (const juce::File& bundle, const juce::StringArray& args)
 {
     PanelCost::Result result;
     juce::String error;
-    if (! PanelCost::measure (bundle, option (args, "--width", "880").getIntValue(), option (args, "--windows", "3").getIntValue(),
-                              option (args, "--seconds", "3").getDoubleValue(), result, error))
+    if (! PanelCost::measure (bundle, option (args, "--width", "880").getIntValue(), option (args, "--windows", "4").getIntValue(),
+                              option (args, "--seconds", "2").getDoubleValue(), result, error))
         return fail (error);
-    auto percents = result.percentOfCore;
-    std::sort (percents.begin(), percents.end());
-    std::printf ("shown_width %d\npanel_percent %.4f\n", result.shownWidth, percents[percents.size() / 2]);
+    std::printf ("shown_width %d\npanel_percent", result.shownWidth);
+    for (double percent : result.percentOfCore)
+        std::printf (" %.4f", percent);
+    std::printf ("\n");
     return 0;
 }
 

@@ -17,7 +17,7 @@ public:
     };
 
     // Needs an X display. The width is stored in the plug-in's settings file first, as a user who
-    // resized the panel last time would have left it.
+    // resized the panel last time would have left it. Width 0 loads the plug-in without opening it.
     static bool measure (const juce::File& bundle, int width, int windows, double windowSeconds, Result& result,
                          juce::String& error);
 };

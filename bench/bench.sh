@@ -91,8 +91,13 @@ for b in "${builds[@]}"; do
   for rate in 48000 96000; do
     memory[$b.$rate]=$(median $(for r in 1 2 3; do value_of playing_mb "$bench" memory --plugin "${bundle[$b]}" --rate $rate; done))
   done
-  for width in 880 1760; do
-    panel[$b.$width]=$(value_of panel_percent xvfb-run -a -s "-screen 0 3840x2160x24" "$bench" panel --plugin "${bundle[$b]}" --width $width)
+done
+for width in 0 880 1760; do
+  for b in "${builds[@]}"; do
+    result=$(xvfb-run -a -s "-screen 0 3840x2160x24" "$bench" panel --plugin "${bundle[$b]}" --width $width)
+    panel[$b.$width]=$(median $(awk '$1 == "panel_percent" { $1 = ""; print }' <<< "$result"))
+    shown=$(awk '$1 == "shown_width" { print $2 }' <<< "$result")
+    [ "$shown" = "$width" ] || echo "bench: the $b panel opened $shown px wide instead of $width" >&2
   done
 done
 
@@ -143,6 +148,7 @@ row "16 instances: CPU s / audio s" "${cpu[base.x16]}" "${cpu[this.x16]}" "$cpu_
 row "16 instances: instructions / audio s" "$(m "${instr[base.x16]}")" "$(m "${instr[this.x16]}")" "$mega" "16 x one +-10 %: $scale_instr" "$scale_instr" "~" 0.10
 row "memory, one instance, 48 kHz (MB)" "${memory[base.48000]}" "${memory[this.48000]}" "%.1f" "<= 16 MB" "${memory[this.48000]}" "<=" 16
 row "memory, one instance, 96 kHz (MB)" "${memory[base.96000]}" "${memory[this.96000]}" "%.1f" "<= 2 x 48 kHz: $memory_growth" "$memory_growth" "<=" 2
+row "panel closed (% of a core)" "${panel[base.0]}" "${panel[this.0]}" "%.2f" "(the host's own share)"
 row "open panel, 880 px (% of a core)" "${panel[base.880]}" "${panel[this.880]}" "%.2f" "<= 1 %" "${panel[this.880]}" "<=" 1
 row "open panel, 1760 px (% of a core)" "${panel[base.1760]}" "${panel[this.1760]}" "%.2f" "<= 2 %" "${panel[this.1760]}" "<=" 2
 echo
