@@ -5,7 +5,7 @@
 //
 //   ondrivel-bench render --plugin B --patch full|default|note|idle [--instances N] [--seconds S]
 //   ondrivel-bench memory --plugin B [--rate HZ]
-//   ondrivel-bench panel  --plugin B --width PX|0 [--windows K] [--seconds S]
+//   ondrivel-bench panel  --plugin B --width PX|0 [--left PX] [--windows K] [--seconds S]
 //   ondrivel-bench soak   [--plugin B] [--seconds S]
 #include <algorithm>
 #include <cmath>
@@ -91,10 +91,14 @@ int memoryMode (const juce::File& bundle, const juce::StringArray& args)
 
 int panelMode (const juce::File& bundle, const juce::StringArray& args)
 {
+    PanelCost::Request request;
+    request.width = option (args, "--width", "880").getIntValue();
+    request.left = option (args, "--left", "0").getIntValue();
+    request.windows = option (args, "--windows", "4").getIntValue();
+    request.windowSeconds = option (args, "--seconds", "2").getDoubleValue();
     PanelCost::Result result;
     juce::String error;
-    if (! PanelCost::measure (bundle, option (args, "--width", "880").getIntValue(), option (args, "--windows", "4").getIntValue(),
-                              option (args, "--seconds", "2").getDoubleValue(), result, error))
+    if (! PanelCost::measure (bundle, request, result, error))
         return fail (error);
     std::printf ("shown_width %d\npanel_percent", result.shownWidth);
     for (double percent : result.percentOfCore)

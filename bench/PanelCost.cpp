@@ -55,9 +55,9 @@ private:
 };
 } // namespace
 
-bool PanelCost::measure (const juce::File& bundle, int width, int windows, double windowSeconds, Result& result,
-                         juce::String& error)
+bool PanelCost::measure (const juce::File& bundle, const Request& request, Result& result, juce::String& error)
 {
+    const int width = request.width;
     if (juce::SystemStats::getEnvironmentVariable ("DISPLAY", {}).isEmpty())
     {
         error = "no X display (run under xvfb-run)";
@@ -84,14 +84,15 @@ bool PanelCost::measure (const juce::File& bundle, int width, int windows, doubl
             error = "the plug-in has no editor";
             return false;
         }
-        editor->setTopLeftPosition (0, 0);
+        editor->setTopLeftPosition (request.left, 0);
         editor->addToDesktop (0);
         editor->setVisible (true);
         result.shownWidth = editor->getWidth();
     }
 
     // The loop runs once per process: the framework's quit flag stays set after it.
-    WindowSampler sampler (std::max (1, windows), juce::roundToInt (windowSeconds * 1000.0), result.percentOfCore);
+    WindowSampler sampler (std::max (1, request.windows), juce::roundToInt (request.windowSeconds * 1000.0),
+                           result.percentOfCore);
     juce::MessageManager::getInstance()->runDispatchLoop();
     editor.reset();
     return true;

@@ -10,6 +10,14 @@
 class PanelCost
 {
 public:
+    struct Request
+    {
+        int width = 880;    // 0: the plug-in loaded without opening its panel
+        int left = 0;       // the window's position on the screen
+        int windows = 4;
+        double windowSeconds = 2.0;
+    };
+
     struct Result
     {
         int shownWidth = 0;
@@ -17,7 +25,6 @@ public:
     };
 
     // Needs an X display. The width is stored in the plug-in's settings file first, as a user who
-    // resized the panel last time would have left it. Width 0 loads the plug-in without opening it.
-    static bool measure (const juce::File& bundle, int width, int windows, double windowSeconds, Result& result,
-                         juce::String& error);
+    // resized the panel last time would have left it.
+    static bool measure (const juce::File& bundle, const Request& request, Result& result, juce::String& error);
 };

@@ -92,12 +92,23 @@ for b in "${builds[@]}"; do
     memory[$b.$rate]=$(median $(for r in 1 2 3; do value_of playing_mb "$bench" memory --plugin "${bundle[$b]}" --rate $rate; done))
   done
 done
+# Both panels at once, side by side on one virtual screen, so that whatever else the machine does
+# weighs on both alike; two rounds, the median of all their windows.
+panel_pair() { # width -> base and this tree's results added to $out/panel.{base,this}.<width>
+  xvfb-run -a -s "-screen 0 3840x2160x24" bash -c 'set -e; "$1" panel --plugin "$2" --width "$4" >> "$5/panel.base.$4" & base=$!
+    "$1" panel --plugin "$3" --width "$4" --left 1900 >> "$5/panel.this.$4"; wait $base' \
+    panel "$bench" "${bundle[base]}" "${bundle[this]}" "$1" "$out"
+}
+rm -f "$out"/panel.*
+for round in 1 2; do
+  for width in 0 880 1760; do panel_pair $width; done
+done
 for width in 0 880 1760; do
   for b in "${builds[@]}"; do
-    result=$(xvfb-run -a -s "-screen 0 3840x2160x24" "$bench" panel --plugin "${bundle[$b]}" --width $width)
-    panel[$b.$width]=$(median $(awk '$1 == "panel_percent" { $1 = ""; print }' <<< "$result"))
-    shown=$(awk '$1 == "shown_width" { print $2 }' <<< "$result")
-    [ "$shown" = "$width" ] || echo "bench: the $b panel opened $shown px wide instead of $width" >&2
+    panel[$b.$width]=$(median $(awk '$1 == "panel_percent" { $1 = ""; print }' "$out/panel.$b.$width"))
+    for shown in $(awk '$1 == "shown_width" { print $2 }' "$out/panel.$b.$width"); do
+      [ "$shown" = "$width" ] || echo "bench: the $b panel opened $shown px wide instead of $width" >&2
+    done
   done
 done
 
