@@ -22,7 +22,6 @@ public:
 
     // Renders this many blocks on every instance; returns the audio seconds rendered by each.
     double render (int blocks);
-    double getSampleRate() const noexcept { return sampleRate; }
 
 private:
     BenchJob (double rate) : sampleRate (rate) {}
