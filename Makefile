@@ -73,14 +73,17 @@ fuzz: setup
 	    ./ondrivel_fuzz_$$t -max_total_time=$(FUZZ_SECONDS) -timeout=60 -artifact_prefix=$(abspath $(SANITIZE_BUILD))/fuzz-$$t- \
 	    $(abspath $(SANITIZE_BUILD))/fuzz-$$t $(CURDIR)/tests/fuzz/corpus/$$t) || exit 1; done
 
+# Measures this tree's bundle against a build of BASE in the same run and prints one table (not
+# part of CI); the baseline builds in $(BUILD)/bench-base.
+BASE ?= 6e7e8d1
 bench: configure
-	@cmake --build $(BUILD) -j $(JOBS) --target ondrivel_bench
-	@$(BUILD)/bench/ondrivel_bench --benchmark_filter=-Soak
+	@cmake --build $(BUILD) -j $(JOBS) --target ondrivel_VST3 ondrivel-bench
+	@bash bench/bench.sh $(BUILD) $(BASE) $(JOBS)
 
-# Ten minutes of audio per configuration (about an hour in all); not part of CI.
+# Ten minutes of audio per configuration (about an hour in all) through the bundle; not part of CI.
 soak: configure
-	@cmake --build $(BUILD) -j $(JOBS) --target ondrivel_bench
-	@$(BUILD)/bench/ondrivel_bench --benchmark_filter=Soak
+	@cmake --build $(BUILD) -j $(JOBS) --target ondrivel_VST3 ondrivel-bench
+	@$(BUILD)/bench/ondrivel-bench soak --plugin $(BUNDLE)
 
 clean:
 	@rm -rf $(BUILD) $(SANITIZE_BUILD)

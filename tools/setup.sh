@@ -16,7 +16,7 @@ packages=(build-essential cmake pkgconf ccache dpkg-dev xz-utils patch
   libasound2-dev libcurl4-openssl-dev libfontconfig-dev libfreetype-dev libjpeg-dev libpng-dev
   zlib1g-dev libflac-dev libogg-dev libvorbis-dev libx11-dev libxcomposite-dev libxcursor-dev
   libxext-dev libxinerama-dev libxrandr-dev libgl-dev
-  libgtest-dev libgmock-dev libbenchmark-dev libxsimd-dev xvfb xauth
+  libgtest-dev libgmock-dev libxsimd-dev valgrind xvfb xauth
   fonts-dejavu-core clang libclang-rt-14-dev
   libjack-jackd2-dev lv2-dev sordi x11-utils)
 
