@@ -1,40 +1,25 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
-// The built VST3, wrapper and all, at every rate and awkward block size while a host automates it
-// through its parameter interface: before every block from the audio thread and, from the message
-// thread, during blocks. Output must stay finite and bounded; each case prints its peak.
+// The built VST3, wrapper and all, at every rate and awkward block size while the host automates it
+// before every block. Output must stay finite and bounded; each case prints its peak. The processor's
+// own stress suite holds the same cases to no allocation and few locks.
 #include "hosted/HostedPlugin.h"
 
-#include <atomic>
 #include <cstdio>
-#include <thread>
 
-namespace
-{
-// Any parameter but the volume, so that the output rarely falls silent; a third of the changes go to
-// an end of the range.
-void changeAtRandom (const juce::Array<juce::AudioProcessorParameter*>& parameters, juce::Random& random)
-{
-    const int index = random.nextInt (parameters.size());
-    if (index != ParameterIndex::volume)
-        parameters[index]->setValue (random.nextInt (3) == 0 ? (float) random.nextInt (2) : random.nextFloat());
-}
-} // namespace
-
-TEST (HostedStress, EveryRateAndBlockSizeWithHostAutomationBetweenAndDuringBlocks)
+TEST (HostedStress, EveryRateAndBlockSizeWithHostAutomation)
 {
     HostEnvironment environment;
     constexpr int varying = 0; // drawn anew for every block, up to 8192
-    juce::int64 seed = 1;
+    juce::Random random (1);
     for (double rate : { 22050.0, 44100.0, 48000.0, 88200.0, 96000.0, 192000.0 })
     {
         // One instance per rate, prepared again for each block size as on a host's settings change.
         auto host = hosted::loadBuiltPlugin (rate, 8192);
         ASSERT_NE (host, nullptr);
         const auto& parameters = host->getParameters();
-        for (int size : { 1, 2, 7, 31, 32, 33, 256, 1000, 4096, 8192, varying })
+        for (int size : { 1, 7, 33, 256, 1000, 8192, varying })
         {
             host->prepare (rate, size == varying ? 8192 : size);
-            juce::Random random (seed++);
             // Notes, pitch wheel on any channel and mod wheel every 50 ms.
             const auto frames = (juce::int64) (rate * 0.08);
             for (juce::int64 t = 0; t < frames; t += (juce::int64) (rate * 0.05))
@@ -43,28 +28,17 @@ TEST (HostedStress, EveryRateAndBlockSizeWithHostAutomationBetweenAndDuringBlock
                 host->scheduleMidi (t, juce::MidiMessage::pitchWheel (1 + random.nextInt (16), random.nextInt (16384)));
                 host->scheduleMidi (t, juce::MidiMessage::controllerEvent (1, 1, random.nextInt (128)));
             }
-
             hosted::Levels levels;
-            std::atomic<bool> finished { false };
-            std::thread audio ([&, audioSeed = seed * 7919]
+            for (juce::int64 done = 0; done < frames;)
             {
-                juce::Random audioRandom (audioSeed);
-                for (juce::int64 done = 0; done < frames;)
-                {
-                    const int n = (int) juce::jmin ((juce::int64) (size == varying ? 1 + audioRandom.nextInt (8192) : size), frames - done);
-                    for (int i = 0; i < 3; ++i)
-                        changeAtRandom (parameters, audioRandom);
-                    levels.add (host->renderNext (n), n);
-                    done += n;
-                }
-                finished = true;
-            });
-            while (! finished.load())
-            {
-                changeAtRandom (parameters, random);
-                std::this_thread::sleep_for (std::chrono::microseconds (200));
+                const int n = (int) juce::jmin ((juce::int64) (size == varying ? 1 + random.nextInt (8192) : size), frames - done);
+                // Any parameter but the volume, a third of the changes to an end of the range.
+                for (int i = 0; i < 3; ++i)
+                    if (const int index = random.nextInt (parameters.size()); index != ParameterIndex::volume)
+                        parameters[index]->setValue (random.nextInt (3) == 0 ? (float) random.nextInt (2) : random.nextFloat());
+                levels.add (host->renderNext (n), n);
+                done += n;
             }
-            audio.join();
 
             const auto name = juce::String (rate, 0) + " Hz, block " + (size == varying ? juce::String ("varying") : juce::String (size));
             std::printf ("hosted stress | %-28s | %6lld blocks | peak %9.4f | non-finite %lld\n", name.toRawUTF8(), (long long) levels.blocks,

@@ -8,6 +8,7 @@
 
 #include "effects/BlockDelay.h"
 #include "effects/TiltEqualiser.h"
+#include "engine/support/Listen.h"
 
 struct DelayRig
 {
@@ -40,29 +41,3 @@ struct DelayRig
     std::unique_ptr<BlockDelay> delay = std::make_unique<BlockDelay>(); // 4 MB: never on the stack
     TiltEqualiser tilt;
 };
-
-inline int indexOfPeak (const std::vector<float>& x)
-{
-    int best = 0;
-    for (int i = 1; i < (int) x.size(); ++i)
-        if (std::abs (x[(size_t) i]) > std::abs (x[(size_t) best]))
-            best = i;
-    return best;
-}
-
-inline std::vector<float> whiteNoise (int length, int seed)
-{
-    juce::Random random (seed);
-    std::vector<float> x ((size_t) length);
-    for (auto& v : x)
-        v = random.nextFloat() * 2.0f - 1.0f;
-    return x;
-}
-
-inline double energy (const std::vector<float>& x, size_t from = 0, size_t to = SIZE_MAX)
-{
-    double sum = 0.0;
-    for (size_t i = from; i < std::min (to, x.size()); ++i)
-        sum += (double) x[i] * x[i];
-    return sum;
-}

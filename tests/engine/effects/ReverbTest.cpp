@@ -6,11 +6,11 @@
 #include <algorithm>
 #include <cstdlib>
 #include <memory>
-#include <random>
 #include <thread>
 
 #include "effects/ReverbStage.h"
 #include "effects/UnseededRand.h"
+#include "engine/support/Listen.h"
 
 namespace
 {
@@ -28,11 +28,7 @@ struct ReverbRig
     void prepare (double sampleRate)
     {
         if (sampleRate > 0.0)
-        {
-            stage->prepare (sampleRate);
-            dcLeft.prepare (sampleRate);
-            dcRight.prepare (sampleRate);
-        }
+            stage->prepare (sampleRate), dcLeft.prepare (sampleRate), dcRight.prepare (sampleRate);
     }
 
     Stereo run (Stereo x, float reverb)
@@ -69,10 +65,7 @@ Stereo wetOnly (ReverbRig& rig, const Stereo& input, double rate)
     const auto dry = dcBlocked (input, rate);
     auto wet = rig.run (input, 1.0f);
     for (size_t i = 0; i < wet.left.size(); ++i)
-    {
-        wet.left[i] -= (1.0f - 0.9f) * dry.left[i];
-        wet.right[i] -= (1.0f - 0.9f) * dry.right[i];
-    }
+        wet.left[i] -= (1.0f - 0.9f) * dry.left[i], wet.right[i] -= (1.0f - 0.9f) * dry.right[i];
     return wet;
 }
 
@@ -83,22 +76,9 @@ Stereo impulse (size_t length)
     return x;
 }
 
-Stereo noise (size_t length, float level, unsigned seed)
+Stereo noise (size_t length, float level, int seed)
 {
-    std::mt19937 random (seed);
-    std::uniform_real_distribution<float> uniform (-level, level);
-    Stereo x { std::vector<float> (length), std::vector<float> (length) };
-    for (size_t i = 0; i < length; ++i)
-        x.left[i] = uniform (random), x.right[i] = uniform (random);
-    return x;
-}
-
-double rms (const std::vector<float>& x, size_t from, size_t to)
-{
-    double sum = 0.0;
-    for (size_t i = from; i < to; ++i)
-        sum += (double) x[i] * x[i];
-    return std::sqrt (sum / (double) (to - from));
+    return { listen::whiteNoise (length, level, seed), listen::whiteNoise (length, level, seed + 1000) };
 }
 
 // Second-order band-pass, 0 dB at the centre, about an octave wide.
@@ -125,12 +105,6 @@ double rt60Seconds (const std::vector<float>& x, double rate)
         energy[i] = energy[i + 1] + (double) x[i] * x[i];
     const auto at = [&] (double db) { return (size_t) (std::find_if (energy.begin(), energy.end(), [&] (double e) { return e <= energy[0] * std::pow (10.0, db / 10.0); }) - energy.begin()); };
     return 3.0 * (double) (at (-25.0) - at (-5.0)) / rate;
-}
-
-bool allFinite (const Stereo& x)
-{
-    const auto finite = [] (float v) { return std::isfinite (v); };
-    return std::all_of (x.left.begin(), x.left.end(), finite) && std::all_of (x.right.begin(), x.right.end(), finite);
 }
 } // namespace
 
@@ -169,8 +143,8 @@ TEST (ReverbTest, TailStartsAfter40MsAtEveryRateAndAfterEveryPrepare)
             ++first;
         EXPECT_GT (first, preDelay);
         EXPECT_LT (first, preDelay + (size_t) (rate * 0.2));
-        EXPECT_TRUE (allFinite (wet));
-        EXPECT_GT (rms (wet.left, length / 2, length), 2e-5);
+        EXPECT_TRUE (listen::allFinite (wet.left) && listen::allFinite (wet.right));
+        EXPECT_GT (listen::rms (wet.left, length / 2, length / 2), 2e-5);
         EXPECT_NE (wet.left, wet.right);
     }
 }
@@ -237,13 +211,13 @@ TEST (ReverbTest, StaysBoundedAndSteadyUnderSixtySecondsOfFullLevelNoise)
     const double rate = 48000.0;
     ReverbRig rig (rate);
     const auto out = rig.run (noise ((size_t) (rate * 60.0), 1.0f, 5), 1.0f);
-    ASSERT_TRUE (allFinite (out));
+    ASSERT_TRUE (listen::allFinite (out.left) && listen::allFinite (out.right));
 
     float peak = 0.0f;
     for (size_t i = 0; i < out.left.size(); ++i)
         peak = std::max ({ peak, std::abs (out.left[i]), std::abs (out.right[i]) });
-    const double early = rms (out.left, (size_t) (rate * 10), (size_t) (rate * 11));
-    const double late = rms (out.left, (size_t) (rate * 59), (size_t) (rate * 60));
+    const double early = listen::rms (out.left, (size_t) (rate * 10), (size_t) rate);
+    const double late = listen::rms (out.left, (size_t) (rate * 59), (size_t) rate);
     EXPECT_LT (peak, 4.0f);
     EXPECT_NEAR (late / early, 1.0, 0.2);
 }
@@ -262,14 +236,14 @@ TEST (ReverbTest, LowTonesBarelyReachTheReverb)
     {
         // Three band-passes in a row: steep enough skirts that the low band has nothing above 120 Hz.
         auto band = bandPass (bandPass (bandPass (source.left, centres[b], rate), centres[b], rate), centres[b], rate);
-        const double gain = 0.1 / rms (band, 0, length);
+        const double gain = 0.1 / listen::rms (band, 0, length);
         for (auto& v : band)
             v = (float) (v * gain);
 
         UnseededRand::restart();
         ReverbRig rig (rate);
         const auto wet = wetOnly (rig, { band, band }, rate);
-        wetLevel[b] = rms (wet.left, length / 4, length) + rms (wet.right, length / 4, length);
+        wetLevel[b] = listen::rms (wet.left, length / 4, length * 3 / 4) + listen::rms (wet.right, length / 4, length * 3 / 4);
     }
     const double ratioDb = 20.0 * std::log10 (wetLevel[0] / wetLevel[1]);
     EXPECT_LT (ratioDb, -10.0);

@@ -61,29 +61,35 @@ std::vector<float> renderNote (KestruneAudioProcessor& p, int blocks, int blockS
 const Settings plainWetChain = { { "bp1", 0.0f }, { "bp2", 0.0f }, { "bp3", 0.0f }, { "reverb", 0.0f }, { "flangerit", 0.0f } };
 } // namespace
 
-TEST (WetChain, SyncedDelayFollowsTheHostTempo)
+TEST (WetChain, DelayLengthFollowsTimeSyncAndTheHostTempo)
 {
     TestProcessor t (48000.0, 256);
     auto& p = *t.processor;
     TempoPlayHead playHead;
     p.setPlayHead (&playHead);
-    set (p, { { "sync", 1.0f }, { "time", 2000.0f } }); // "1/4"
 
-    struct Step { bool hasPosition; std::optional<double> bpm; int expected; };
+    struct Step { float time, sync; bool hasPosition; std::optional<double> bpm; int expected; };
     const Step steps[] = {
-        { true, 120.0, 24000 },
-        { true, 90.0, 32000 },
-        { true, std::nullopt, 32000 },  // a position without tempo keeps the last one
-        { false, std::nullopt, 24000 }, // no position at all falls back to 120
+        { 40, 1, true, 120.0, 6000 },             // "1/16" at 120 BPM: an eighth of a second
+        { 2000, 1, true, 90.0, 32000 },           // "1/4" at 90 BPM
+        { 2000, 1, true, std::nullopt, 32000 },   // a position without tempo keeps the last one
+        { 2000, 1, false, std::nullopt, 24000 },  // no position at all falls back to 120
+        { 1000, 1, true, 120.0, 9000 },           // "1/16D"
+        { 40, 1, true, 999.0, 721 },              // absurdly fast host
+        { 2980, 1, true, 60.0, 262143 },          // "8/4" at 60 BPM is eight seconds: held at the plane size
+        { 2980, 1, true, 0.0, 262143 },           // a host reporting 0 BPM
+        { 2980, 1, true, -5.0, 4 },               // or a negative tempo
+        { 2980, 0, true, 120.0, 143040 },         // unsynced: plain milliseconds
     };
     juce::AudioBuffer<float> buffer (2, 256);
     for (const auto& s : steps)
     {
+        set (p, { { "time", s.time }, { "sync", s.sync } });
         playHead.hasPosition = s.hasPosition;
         playHead.bpm = s.bpm;
         juce::MidiBuffer midi;
         p.processBlock (buffer, midi);
-        EXPECT_EQ (p.blockDelay.getBlockLength(), s.expected) << (s.bpm ? *s.bpm : -1.0);
+        EXPECT_EQ (p.blockDelay.getBlockLength(), s.expected) << s.time << " ms, sync " << s.sync << ", " << (s.bpm ? *s.bpm : -1.0) << " BPM";
     }
     p.setPlayHead (nullptr);
 }
@@ -104,7 +110,7 @@ TEST (WetChain, EveryWetChainControlChangesTheSound)
         return renderNote (*t.processor, 60); // a little over three delay blocks
     };
     const auto reference = render (nullptr, 0.0f);
-    ASSERT_GT (energy (reference), 0.0);
+    ASSERT_GT (listen::energy (reference), 0.0);
 
     const std::pair<const char*, float> changes[] = {
         { "time", 60.0f }, { "sync", 1.0f }, { "fmit", 300.0f }, { "squeezeit", 500.0f }, { "squeezeit", -500.0f },
@@ -117,7 +123,7 @@ TEST (WetChain, EveryWetChainControlChangesTheSound)
         double difference = 0.0;
         for (size_t i = 0; i < reference.size(); ++i)
             difference += std::pow ((double) changed[i] - reference[i], 2.0);
-        EXPECT_GT (difference, 1e-4 * energy (reference)) << id << " = " << value;
+        EXPECT_GT (difference, 1e-4 * listen::energy (reference)) << id << " = " << value;
     }
 }
 
@@ -141,8 +147,8 @@ TEST (WetChain, WithEveryModuleOffTheWetPathIsTheTiltOnly)
         double error = 0.0;
         for (size_t i = 0; i < rendered[0].size(); ++i)
             error += std::pow ((double) reference.processSample (0, rendered[0][i]) - rendered[1][i], 2.0);
-        ASSERT_GT (energy (rendered[1]), 0.0);
-        EXPECT_LT (error, 1e-8 * energy (rendered[1]));
+        ASSERT_GT (listen::energy (rendered[1]), 0.0);
+        EXPECT_LT (error, 1e-8 * listen::energy (rendered[1]));
     }
 }
 
@@ -160,6 +166,6 @@ TEST (WetChain, LongestDelayReplaysUnderBlocksLongerThanPrepared)
               { "drywet", 1.0f } });
     const auto out = renderNote (p, (2 * BlockDelay::maxBlockLength + 4096) / 1000 + 1, 1000);
     EXPECT_EQ (p.blockDelay.getBlockLength(), BlockDelay::maxBlockLength);
-    EXPECT_GT (energy (out, 2 * BlockDelay::maxBlockLength - 48000, 2 * BlockDelay::maxBlockLength), 0.0);
+    EXPECT_GT (listen::energy (out, 2 * BlockDelay::maxBlockLength - 48000, 2 * BlockDelay::maxBlockLength), 0.0);
     p.setPlayHead (nullptr);
 }

@@ -4,27 +4,12 @@
 
 #include <cmath>
 #include <cstdio>
-#include <ctime>
 
-#include "engine/support/AllocationCounter.h"
-#include "engine/support/LockCounter.h"
-#include "engine/support/MallocCounter.h"
-
-namespace
-{
-double threadCpuNanoseconds()
-{
-    timespec t {};
-    clock_gettime (CLOCK_THREAD_CPUTIME_ID, &t);
-    return (double) t.tv_sec * 1.0e9 + (double) t.tv_nsec;
-}
-} // namespace
+#include "engine/support/ScopedRealTimeRecord.h"
 
 StressRig::StressRig (double sampleRate, int maxBlock) : maxBlockSize (maxBlock), instance (std::make_unique<KestruneAudioProcessor>())
 {
-    instance->setRateAndBufferSizeDetails (sampleRate, maxBlockSize);
-    instance->prepareToPlay (sampleRate, maxBlockSize);
-    buffer.setSize (2, maxBlockSize);
+    reprepare (sampleRate, maxBlock);
 }
 
 void StressRig::reprepare (double sampleRate, int maxBlock)
@@ -47,23 +32,14 @@ void StressRig::render (int n, juce::MidiBuffer& midi)
     for (const auto metadata : midi)
         modWheel = modWheel || (metadata.numBytes == 3 && (metadata.data[0] & 0xf0) == 0xb0 && metadata.data[1] == 1);
 
-    std::size_t allocations = 0, mallocs = 0, mutexes = 0;
-    const double start = recordTimes ? threadCpuNanoseconds() : 0.0;
+    std::size_t mutexes = 0;
     {
-        ScopedLockRecord locks;
-        ScopedMallocCount mallocCount;
-        ScopedAllocationCount count;
+        ScopedRealTimeRecord record;
         instance->processBlock (block, midi);
-        allocations = count.getCount();
-        mallocs = mallocCount.getCount();
-        mutexes = locks.getDistinctMutexes();
+        stats.news += record.getNews();
+        stats.mallocs += record.getMallocs();
+        mutexes = record.getDistinctMutexes();
     }
-    if (recordTimes)
-        stats.blockNanoseconds.push_back (threadCpuNanoseconds() - start);
-
-    stats.allocations += allocations;
-    // operator new of the test program allocates through malloc: count the rest.
-    stats.cAllocations += mallocs - juce::jmin (mallocs, allocations);
     auto& most = modWheel ? stats.mostMutexesWithModWheel : stats.mostMutexes;
     most = juce::jmax (most, mutexes);
     stats.blocks += 1;
@@ -102,22 +78,24 @@ void StressRig::randomiseParameters (juce::Random& random, int howMany)
 namespace stress
 {
 // The sanitizer owns malloc in sanitized builds, which run the same cases on fewer seconds of audio.
-double seconds (double atFullSpeed) { return ScopedMallocCount::isActive() ? atFullSpeed : atFullSpeed * 0.25; }
+double seconds (double atFullSpeed) { return ScopedRealTimeRecord::isActive() ? atFullSpeed : atFullSpeed * 0.25; }
 
 void expectHealthy (const juce::String& name, const StressStats& stats, Stealing stealing)
 {
     std::printf ("stress | %-58s | %7lld blocks | peak %9.4f | non-finite %lld | allocations %zu new, %zu malloc | mutexes %zu/%zu\n",
-                 name.toRawUTF8(), (long long) stats.blocks, (double) stats.peak, (long long) stats.nonFinite, stats.allocations,
-                 stats.cAllocations, stats.mostMutexes, stats.mostMutexesWithModWheel);
+                 name.toRawUTF8(), (long long) stats.blocks, (double) stats.peak, (long long) stats.nonFinite, stats.news,
+                 stats.mallocs, stats.mostMutexes, stats.mostMutexesWithModWheel);
     std::fflush (stdout);
     EXPECT_EQ (stats.nonFinite, 0) << name;
-    EXPECT_LT (stats.peak, peakBound) << name;
-    EXPECT_EQ (stats.allocations, 0u) << name;
+    // No limiter in the chain, so loud settings may exceed full scale; this only catches output that
+    // grows without limit (a feedback loop gone unstable).
+    EXPECT_LT (stats.peak, 64.0f) << name;
+    EXPECT_EQ (stats.news, 0u) << name;
     if (stealing == Stealing::impossible)
-    {
-        EXPECT_EQ (stats.cAllocations, 0u) << name;
-    }
-    EXPECT_LE (stats.mostMutexes, allowedMutexes) << name;
-    EXPECT_LE (stats.mostMutexesWithModWheel, allowedMutexesWithModWheel) << name;
+        EXPECT_EQ (stats.mallocs, 0u) << name;
+    // The synthesiser's voice lock and its voice-stealing lock, and the keyboard state's lock; with a
+    // mod-wheel message also the listener locks of the parameter notification it sends.
+    EXPECT_LE (stats.mostMutexes, 3u) << name;
+    EXPECT_LE (stats.mostMutexesWithModWheel, 5u) << name;
 }
 } // namespace stress

@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 // Drives the processor as a demanding host would and records what each block did on the calling
-// thread: the output's peak and non-finite samples, heap allocations, mutexes locked, CPU time.
+// thread: the output's peak and non-finite samples, heap allocations and mutexes locked.
 #pragma once
 
 #include <gtest/gtest.h>
 
 #include <cstdint>
 #include <memory>
-#include <vector>
 
 #include <juce_events/juce_events.h>
 
@@ -15,15 +14,11 @@
 
 struct StressStats
 {
-    std::int64_t blocks = 0;
-    std::int64_t nonFinite = 0;
-    std::size_t allocations = 0;  // operator new
-    std::size_t cAllocations = 0; // malloc and its kin called directly (the framework's buffers and arrays)
+    std::int64_t blocks = 0, nonFinite = 0;
+    std::size_t news = 0, mallocs = 0; // operator new; the C allocator called directly
     float peak = 0.0f;
     // Most distinct mutexes one processBlock locked, in blocks without and with a mod-wheel message.
-    std::size_t mostMutexes = 0;
-    std::size_t mostMutexesWithModWheel = 0;
-    std::vector<double> blockNanoseconds; // thread CPU time of each block, when recordTimes is set
+    std::size_t mostMutexes = 0, mostMutexesWithModWheel = 0;
 };
 
 class StressRig
@@ -47,7 +42,6 @@ public:
     void randomiseParameters (juce::Random& random, int howMany);
 
     StressStats stats;
-    bool recordTimes = false;
 
 private:
     int maxBlockSize;
@@ -61,26 +55,13 @@ namespace stress
 // Shorter in sanitized builds.
 double seconds (double atFullSpeed);
 
-// There is no limiter in the chain, so loud settings may exceed full scale; this bound only catches
-// output that grows without limit (a feedback loop gone unstable).
-constexpr float peakBound = 64.0f;
-
-// Mutexes a block may lock: the synthesiser's voice lock and its voice-stealing lock, and the
-// keyboard state's lock; with a mod-wheel message also the listener locks of the parameter
-// notification it sends.
-constexpr std::size_t allowedMutexes = 3;
-constexpr std::size_t allowedMutexesWithModWheel = 5;
-
 // juce::Synthesiser (JUCE 8) empties its voice-stealing array with Array::clear(), which frees the
 // storage, so every steal calls malloc on the audio thread; the C allocator is held to zero only
 // where no voice can be stolen. operator new is held to zero everywhere.
-enum class Stealing
-{
-    impossible,
-    possible
-};
+enum class Stealing { impossible, possible };
 
-// Prints the case's line (the run's log lists every peak) and checks it.
+// Prints the case's line (the run's log lists every peak) and checks it: finite, bounded, no
+// allocation, no more than the expected locks.
 void expectHealthy (const juce::String& name, const StressStats& stats, Stealing stealing = Stealing::possible);
 
 // A chord that changes every `period` samples: note-offs for the old notes and note-ons for new

@@ -1,43 +1,32 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 // The processor under a demanding host's worst habits, with the calling thread watched: every rate
 // and awkward block size across prepare/release cycles, parameters at their ends in combination,
-// MIDI that no keyboard sends, state restores and automation from another thread while audio runs,
-// and a long run whose later blocks must not cost more than its first ones.
+// MIDI that no keyboard sends, and state restores and automation from another thread while audio runs.
 #include "engine/stress/StressRig.h"
 
-#include <algorithm>
 #include <atomic>
-#include <cstdlib>
 #include <functional>
-#include <mutex>
 #include <thread>
-
-#include "engine/support/LockCounter.h"
-#include "engine/support/MallocCounter.h"
 
 namespace
 {
-const double sampleRates[] = { 22050.0, 44100.0, 48000.0, 88200.0, 96000.0, 192000.0 };
 constexpr int varying = 0; // block size drawn anew for every block, up to 8192
-const int blockSizes[] = { 1, 2, 7, 31, 32, 33, 256, 1000, 4096, 8192, varying };
 
 // Puts the MIDI for block number `block`, of n samples, into the buffer.
 using Events = std::function<void (juce::MidiBuffer&, juce::int64 block, int n, juce::Random&)>;
 
 // Renders `seconds` of audio in blocks of one size.
-StressStats play (StressRig& rig, juce::int64 seed, double rate, int blockSize, double seconds, const Events& events)
+void play (StressRig& rig, juce::int64 seed, double rate, int blockSize, double seconds, const Events& events)
 {
     juce::Random random (seed);
     juce::MidiBuffer midi;
     midi.ensureSize (65536);
-    const auto blocks = (juce::int64) (rate * seconds) / blockSize;
-    for (juce::int64 b = 0; b < blocks; ++b)
+    for (juce::int64 b = 0; b < (juce::int64) (rate * seconds) / blockSize; ++b)
     {
         midi.clear();
         events (midi, b, blockSize, random);
         rig.render (blockSize, midi);
     }
-    return rig.stats;
 }
 
 void allKeys (juce::MidiBuffer& midi, int channel, bool on, int position)
@@ -53,39 +42,7 @@ void allStagesLoud (StressRig& rig)
         rig.setParameter (index, 1.0f);
     rig.setParameter (ParameterIndex::fdbk, 0.98f);
 }
-
-double percentile (std::vector<double> values, double p)
-{
-    std::sort (values.begin(), values.end());
-    return values[(size_t) (p * (double) (values.size() - 1))];
-}
 } // namespace
-
-TEST (Stress, CountersSeeMallocAndMutexesOfThisThread)
-{
-    // Counters that never count would let every case below pass.
-    if (ScopedMallocCount::isActive())
-    {
-        ScopedMallocCount count;
-        void* volatile p = std::malloc (24);
-        std::free (p);
-        void* volatile q = std::calloc (3, 8);
-        std::free (q);
-        EXPECT_EQ (count.getCount(), 2u);
-    }
-    if (ScopedLockRecord::isActive())
-    {
-        std::mutex a, b;
-        ScopedLockRecord locks;
-        for (int i = 0; i < 3; ++i)
-        {
-            std::lock_guard<std::mutex> first (a);
-            std::lock_guard<std::mutex> second (b);
-        }
-        EXPECT_EQ (locks.getDistinctMutexes(), 2u);
-        EXPECT_EQ (locks.getLockCalls(), 6u);
-    }
-}
 
 TEST (Stress, EveryRateAndBlockSizeAcrossPrepareReleaseCyclesWithAutomation)
 {
@@ -98,8 +55,8 @@ TEST (Stress, EveryRateAndBlockSizeAcrossPrepareReleaseCyclesWithAutomation)
     juce::MidiBuffer midi;
     midi.ensureSize (8192);
     juce::int64 position = 0;
-    for (int blockSize : blockSizes)
-        for (double rate : sampleRates)
+    for (int blockSize : { 1, 2, 7, 31, 32, 33, 256, 1000, 4096, 8192, varying })
+        for (double rate : { 22050.0, 44100.0, 48000.0, 88200.0, 96000.0, 192000.0 })
         {
             rig.reprepare (rate, blockSize == varying ? 8192 : blockSize);
             rig.stats = {};
@@ -149,9 +106,8 @@ TEST (Stress, ParametersAtTheirEndsInCombinationStayFiniteAndBounded)
             rig.setParameter (index, value);
         juce::Random chordRandom (seed);
         stress::ChordPlayer chords (chordRandom, (juce::int64) (rate * 0.4), 8);
-        stress::expectHealthy (name + " @" + juce::String (rate, 0),
-                               play (rig, seed, rate, 512, stress::seconds (seconds), [&] (juce::MidiBuffer& m, juce::int64 b, int n, juce::Random&)
-                                     { chords.addEvents (m, b * n, n); }));
+        play (rig, seed, rate, 512, stress::seconds (seconds), [&] (juce::MidiBuffer& m, juce::int64 b, int n, juce::Random&) { chords.addEvents (m, b * n, n); });
+        stress::expectHealthy (name + " @" + juce::String (rate, 0), rig.stats);
     };
 
     juce::int64 seed = 7;
@@ -179,42 +135,16 @@ TEST (Stress, ParametersAtTheirEndsInCombinationStayFiniteAndBounded)
 TEST (Stress, MidiStormsStayFiniteAndAllocationFree)
 {
     using M = juce::MidiMessage;
-    // MIDI that sequencers and broken controllers send: whole keyboards in one block, more notes
-    // than voices, controller floods, note-offs without notes, every channel.
-    const std::pair<const char*, Events> storms[] = {
-        { "128 notes on and off in one block",
+    // MIDI that sequencers and broken controllers send: whole keyboards in one block, more notes than
+    // voices, every kind of message on every channel. Chords that release before the next one never
+    // steal a voice, so there not even the C allocator may be called.
+    struct Storm { const char* name; stress::Stealing stealing; Events events; };
+    const Storm storms[] = {
+        { "128 notes on and off in one block", stress::Stealing::possible,
           [] (juce::MidiBuffer& m, juce::int64 b, int n, juce::Random&) { if (b % 8 == 0) { allKeys (m, 1, true, 0); allKeys (m, 1, false, n - 1); } } },
-        { "128 notes held, beyond the voice count",
+        { "128 notes held, beyond the voice count", stress::Stealing::possible,
           [] (juce::MidiBuffer& m, juce::int64 b, int, juce::Random&) { if (b == 0) allKeys (m, 1, true, 0); if (b == 150) allKeys (m, 1, false, 0); } },
-        { "pitch wheel sweeps", [] (juce::MidiBuffer& m, juce::int64 b, int n, juce::Random&) {
-              if (b == 0) allKeys (m, 1, true, 0);
-              for (int i = 0; i < n; i += 4) m.addEvent (M::pitchWheel (1, (int) ((b * 997 + i * 61) % 16384)), i);
-          } },
-        { "mod wheel (controller 1) flood", [] (juce::MidiBuffer& m, juce::int64 b, int n, juce::Random& r) {
-              if (b % 20 == 0) m.addEvent (M::noteOn (1, 36 + r.nextInt (60), (juce::uint8) 100), 0);
-              for (int i = 0; i < n; i += 8) m.addEvent (M::controllerEvent (1, 1, r.nextInt (128)), i);
-          } },
-        { "all notes off (controller 123) amid chords", [] (juce::MidiBuffer& m, juce::int64 b, int n, juce::Random& r) {
-              for (int i = 0; i < 6; ++i) m.addEvent (M::noteOn (1 + r.nextInt (16), r.nextInt (128), (juce::uint8) 90), r.nextInt (n));
-              if (b % 3 == 0) m.addEvent (M::allNotesOff (1 + r.nextInt (16)), r.nextInt (n));
-          } },
-        { "sustain pedal over note-offs", [] (juce::MidiBuffer& m, juce::int64 b, int n, juce::Random& r) {
-              m.addEvent (M::controllerEvent (1, 64, (b / 10) % 2 == 0 ? 127 : 0), 0);
-              const int note = r.nextInt (128);
-              m.addEvent (M::noteOn (1, note, (juce::uint8) 100), 0);
-              m.addEvent (M::noteOff (1, note), n - 1);
-          } },
-        { "note-offs never preceded by note-ons", [] (juce::MidiBuffer& m, juce::int64, int n, juce::Random& r) {
-              for (int i = 0; i < 16; ++i) m.addEvent (M::noteOff (1 + r.nextInt (16), r.nextInt (128)), r.nextInt (n));
-          } },
-        { "notes on all 16 channels", [] (juce::MidiBuffer& m, juce::int64 b, int n, juce::Random& r) {
-              for (int ch = 1; ch <= 16; ++ch)
-              {
-                  m.addEvent (M::noteOn (ch, 20 + r.nextInt (100), (juce::uint8) (1 + r.nextInt (127))), r.nextInt (n));
-                  if (b % 4 == 3) m.addEvent (M::allNotesOff (ch), n - 1);
-              }
-          } },
-        { "everything at once", [] (juce::MidiBuffer& m, juce::int64 b, int n, juce::Random& r) {
+        { "everything at once", stress::Stealing::possible, [] (juce::MidiBuffer& m, juce::int64 b, int n, juce::Random& r) {
               const M kinds[] = { M::noteOn (1, r.nextInt (128), (juce::uint8) r.nextInt (128)), M::noteOff (1, r.nextInt (128)),
                                   M::pitchWheel (1, r.nextInt (16384)), M::controllerEvent (1, 1, r.nextInt (128)),
                                   M::controllerEvent (1, 64, r.nextInt (128)), M::allNotesOff (1), M::allSoundOff (1) };
@@ -226,15 +156,23 @@ TEST (Stress, MidiStormsStayFiniteAndAllocationFree)
               }
               if (b % 32 == 0) allKeys (m, 1 + r.nextInt (16), true, r.nextInt (n));
           } },
+        { "eight-note chords released before the next", stress::Stealing::impossible, [] (juce::MidiBuffer& m, juce::int64 b, int n, juce::Random&) {
+              const auto period = 44100 / n;
+              for (int note : { 36, 43, 48, 55, 60, 64, 67, 72 })
+              {
+                  if (b % period == 0) m.addEvent (M::noteOn (1, note, (juce::uint8) 100), 0);
+                  if (b % period == period / 4) m.addEvent (M::noteOff (1, note), 0);
+              }
+          } },
     };
 
     juce::int64 seed = 500;
-    for (const auto& [name, storm] : storms)
+    for (const auto& storm : storms)
         for (int blockSize : { 7, 256 })
         {
             StressRig rig (44100.0, blockSize);
             allStagesLoud (rig);
-            play (rig, seed++, 44100.0, blockSize, stress::seconds (0.5), storm);
+            play (rig, seed++, 44100.0, blockSize, stress::seconds (1.0), storm.events);
             // Every note released, pedals up: the voices must be able to fall silent again.
             juce::MidiBuffer release;
             for (int ch = 1; ch <= 16; ++ch)
@@ -243,7 +181,7 @@ TEST (Stress, MidiStormsStayFiniteAndAllocationFree)
                 allKeys (release, ch, false, 0);
             }
             rig.render (blockSize, release);
-            stress::expectHealthy (juce::String (name) + ", block " + juce::String (blockSize), rig.stats);
+            stress::expectHealthy (juce::String (storm.name) + ", block " + juce::String (blockSize), rig.stats, storm.stealing);
         }
 }
 
@@ -303,48 +241,4 @@ TEST (Stress, StateRestoresAndAutomationFromAnotherThreadWhileAudioRuns)
     running = false;
     audio.join();
     stress::expectHealthy ("while audio runs: " + juce::String (restores) + " restores, " + juce::String (changes) + " changes", rig.stats);
-}
-
-TEST (Stress, BlockCostDoesNotCreepOverARun)
-{
-    // Denormals in a decaying feedback path or state that accumulates show up as later blocks
-    // costing more than early ones of the same job. Thread CPU time is compared, not wall time, so
-    // other processes on the machine do not count.
-    constexpr double rate = 48000.0;
-    constexpr int blockSize = 256;
-    StressRig rig (rate, blockSize);
-    allStagesLoud (rig);
-    rig.recordTimes = true;
-
-    // A job that repeats each second: a chord held, then released half a second before the next
-    // (so no voice is ever stolen), with the continuous parameters moving. Then as long a silence, in
-    // which every tail decays towards the denormal range.
-    const int blocksPerSecond = (int) (rate / blockSize);
-    const double seconds = juce::jmax (3.0, stress::seconds (5.0));
-    const int continuous[] = { ParameterIndex::tilt, ParameterIndex::drywet, ParameterIndex::flangerit, ParameterIndex::timbre };
-    play (rig, 31337, rate, blockSize, seconds, [&] (juce::MidiBuffer& m, juce::int64 b, int, juce::Random& r)
-    {
-        for (int note : { 36, 43, 48, 55, 60, 64, 67, 72 })
-        {
-            if (b % blocksPerSecond == 0)
-                m.addEvent (juce::MidiMessage::noteOn (1, note, (juce::uint8) 100), 0);
-            if (b % blocksPerSecond == blocksPerSecond / 2)
-                m.addEvent (juce::MidiMessage::noteOff (1, note), 0);
-        }
-        rig.setNormalised (continuous[r.nextInt (4)], r.nextFloat());
-    });
-    const auto playing = rig.stats.blockNanoseconds;
-    play (rig, 1, rate, blockSize, seconds, [] (juce::MidiBuffer&, juce::int64, int, juce::Random&) {});
-    stress::expectHealthy ("cost run: " + juce::String (seconds) + " s playing, as long silent", rig.stats, stress::Stealing::impossible);
-
-    const auto& all = rig.stats.blockNanoseconds;
-    auto second = [&] (size_t from) { return std::vector<double> (all.begin() + (std::ptrdiff_t) from, all.begin() + (std::ptrdiff_t) from + blocksPerSecond); };
-    const auto first = second (0), lastPlaying = second (playing.size() - (size_t) blocksPerSecond), lastSilent = second (all.size() - (size_t) blocksPerSecond);
-    std::printf ("stress | cost per block (us, median/p90): first second %.1f/%.1f, last playing %.1f/%.1f, last silent %.1f/%.1f\n",
-                 percentile (first, 0.5) / 1e3, percentile (first, 0.9) / 1e3, percentile (lastPlaying, 0.5) / 1e3,
-                 percentile (lastPlaying, 0.9) / 1e3, percentile (lastSilent, 0.5) / 1e3, percentile (lastSilent, 0.9) / 1e3);
-    // Generous: only a systematic growth (denormals cost tens of times more) can exceed it.
-    const double limit = percentile (first, 0.5) * 2.0 + 5000.0;
-    EXPECT_LT (percentile (lastPlaying, 0.5), limit);
-    EXPECT_LT (percentile (lastSilent, 0.5), limit);
 }
