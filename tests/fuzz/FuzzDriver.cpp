@@ -2,9 +2,7 @@
 // Stand-in for libFuzzer's main where clang is not used: runs every corpus file, then a fixed number
 // of seeded mutations of them, so the same command line gives the same inputs on every machine.
 // Understands -runs=N, -seed=N, -max_len=N and -artifact_prefix=P (a failing input is written to
-// P + "crash-input"); other flags are ignored, arguments are corpus folders
-// or files.
-#include <algorithm>
+// P + "crash-input"); other flags are ignored, other arguments are corpus folders or files.
 #include <csignal>
 #include <cstdint>
 #include <cstdio>
@@ -58,67 +56,37 @@ const char* const dictionary[] = { "nan", "-nan", "inf", "-inf", "1e39", "-1e39"
                                    "value=\"", "&amp;", "&#0;", "&#x10FFFF;", "<![CDATA[", "<!--", "<?xml",
                                    "VC2!", "\xff\xfe", "\xc3\x28", "PROGRAM", "NOTES", "ondrivel" };
 
-void loadInputs (const juce::File& location, std::vector<Bytes>& inputs)
-{
-    juce::Array<juce::File> files;
-    if (location.isDirectory())
-        files = location.findChildFiles (juce::File::findFiles, true);
-    else if (location.existsAsFile())
-        files.add (location);
-    files.sort();
-    for (const auto& file : files)
-    {
-        juce::MemoryBlock block;
-        file.loadFileAsData (block);
-        const auto* bytes = static_cast<const std::uint8_t*> (block.getData());
-        inputs.emplace_back (bytes, bytes + block.getSize());
-    }
-}
-
 void mutate (Bytes& input, const std::vector<Bytes>& corpus, std::mt19937& random, std::size_t maxLength)
 {
     auto pick = [&random] (std::size_t n) { return n == 0 ? std::size_t (0) : (std::size_t) (random() % n); };
-    const int steps = 1 + (int) pick (4);
-    for (int s = 0; s < steps; ++s)
+    auto at = [&input] (std::size_t i) { return input.begin() + (std::ptrdiff_t) i; };
+    for (int s = 1 + (int) pick (4); s > 0; --s)
     {
+        const auto where = pick (input.size() + 1);
         switch (pick (7))
         {
-            case 0: // flip a bit
-                if (! input.empty()) input[pick (input.size())] ^= (std::uint8_t) (1u << pick (8));
+            case 0: if (! input.empty()) input[pick (input.size())] ^= (std::uint8_t) (1u << pick (8)); break;
+            case 1: if (! input.empty()) input[pick (input.size())] = (std::uint8_t) random(); break;
+            case 2: input.insert (at (where), (std::uint8_t) random()); break;
+            case 3: // erase up to 64 bytes
+                if (where < input.size())
+                    input.erase (at (where), at (where + 1 + pick (std::min<std::size_t> (64, input.size() - where))));
                 break;
-            case 1: // set a byte
-                if (! input.empty()) input[pick (input.size())] = (std::uint8_t) random();
-                break;
-            case 2: // insert a byte
-                input.insert (input.begin() + (std::ptrdiff_t) pick (input.size() + 1), (std::uint8_t) random());
-                break;
-            case 3: // erase a range
-                if (! input.empty())
-                {
-                    const auto start = pick (input.size());
-                    const auto length = 1 + pick (std::min<std::size_t> (64, input.size() - start));
-                    input.erase (input.begin() + (std::ptrdiff_t) start, input.begin() + (std::ptrdiff_t) (start + length));
-                }
-                break;
-            case 4: // insert a dictionary word
+            case 4:
             {
                 const char* word = dictionary[pick (std::size (dictionary))];
-                input.insert (input.begin() + (std::ptrdiff_t) pick (input.size() + 1), word, word + std::strlen (word));
+                input.insert (at (where), word, word + std::strlen (word));
                 break;
             }
-            case 5: // splice in a piece of another input
+            case 5: // a piece of another input
             {
                 const auto& other = corpus[pick (corpus.size())];
-                if (other.empty()) break;
                 const auto start = pick (other.size());
-                const auto length = 1 + pick (other.size() - start);
-                input.insert (input.begin() + (std::ptrdiff_t) pick (input.size() + 1), other.begin() + (std::ptrdiff_t) start,
-                              other.begin() + (std::ptrdiff_t) (start + length));
+                if (! other.empty())
+                    input.insert (at (where), other.begin() + (std::ptrdiff_t) start, other.begin() + (std::ptrdiff_t) (start + 1 + pick (other.size() - start)));
                 break;
             }
-            default: // truncate
-                input.resize (pick (input.size() + 1));
-                break;
+            default: input.resize (pick (input.size() + 1)); break;
         }
     }
     if (input.size() > maxLength)
@@ -132,20 +100,30 @@ int main (int argc, char** argv)
     unsigned seed = 1;
     std::size_t maxLength = 8192;
     std::vector<Bytes> corpus;
-
     for (int i = 1; i < argc; ++i)
     {
         const std::string arg = argv[i];
-        if (arg.rfind ("-runs=", 0) == 0)
-            runs = std::stol (arg.substr (6));
-        else if (arg.rfind ("-seed=", 0) == 0)
-            seed = (unsigned) std::stoul (arg.substr (6));
-        else if (arg.rfind ("-max_len=", 0) == 0)
-            maxLength = (std::size_t) std::stoul (arg.substr (9));
-        else if (arg.rfind ("-artifact_prefix=", 0) == 0)
-            crashPath = arg.substr (17) + "crash-input";
+        const auto value = [&arg] (const char* flag) { return arg.rfind (flag, 0) == 0 ? arg.substr (std::strlen (flag)) : std::string(); };
+        if (! value ("-runs=").empty())
+            runs = std::stol (value ("-runs="));
+        else if (! value ("-seed=").empty())
+            seed = (unsigned) std::stoul (value ("-seed="));
+        else if (! value ("-max_len=").empty())
+            maxLength = (std::size_t) std::stoul (value ("-max_len="));
+        else if (! value ("-artifact_prefix=").empty())
+            crashPath = value ("-artifact_prefix=") + "crash-input";
         else if (arg.rfind ("-", 0) != 0)
-            loadInputs (juce::File::getCurrentWorkingDirectory().getChildFile (juce::String (arg)), corpus);
+        {
+            const auto location = juce::File::getCurrentWorkingDirectory().getChildFile (juce::String (arg));
+            auto files = location.isDirectory() ? location.findChildFiles (juce::File::findFiles, true) : juce::Array<juce::File> { location };
+            files.sort();
+            for (const auto& file : files)
+            {
+                juce::MemoryBlock block;
+                if (file.loadFileAsData (block))
+                    corpus.emplace_back (static_cast<const std::uint8_t*> (block.getData()), static_cast<const std::uint8_t*> (block.getData()) + block.getSize());
+            }
+        }
     }
     if (corpus.empty())
         corpus.emplace_back();
@@ -153,7 +131,6 @@ int main (int argc, char** argv)
     std::signal (SIGABRT, writeCrashInput);
     for (const auto& input : corpus)
         run (input);
-
     std::mt19937 random (seed);
     for (long r = 0; r < runs; ++r)
     {

@@ -23,15 +23,9 @@ public:
     // when the state the processor saves does not read back to the same values.
     void checkAfterInput();
 
-    // Wraps arbitrary bytes as the text of a state block, the way copyXmlToBinary frames XML, so
-    // that mutations reach the XML reader instead of dying at the magic number.
-    static juce::MemoryBlock frameAsStateBlock (const std::uint8_t* data, std::size_t size);
-
 private:
     FuzzedProcessor();
-
     void checkParameters (const char* when);
-    void renderChord();
 
     juce::ScopedJuceInitialiser_GUI framework;
     std::unique_ptr<KestruneAudioProcessor> instance;

@@ -20,8 +20,6 @@ protected:
     {
         if (juce::SystemStats::getEnvironmentVariable ("DISPLAY", {}).isEmpty())
             GTEST_SKIP() << "no X display";
-        savedHome = juce::SystemStats::getEnvironmentVariable ("HOME", {});
-        home = juce::File (savedHome).getChildFile ("hosted-editor");
         home.deleteRecursively();
         home.createDirectory();
         setenv ("HOME", home.getFullPathName().toRawUTF8(), 1);
@@ -30,22 +28,17 @@ protected:
 
     void TearDown() override
     {
-        if (savedHome.isEmpty())
-            return;
         host.reset();
         setenv ("HOME", savedHome.toRawUTF8(), 1);
         home.deleteRecursively();
     }
 
-    juce::String savedHome;
-    juce::File home;
+    const juce::String savedHome = juce::SystemStats::getEnvironmentVariable ("HOME", {});
+    const juce::File home = juce::File (savedHome).getChildFile ("hosted-editor");
 };
 
 // Lets the window and the framework's queued messages run for a while.
-void pump (int milliseconds)
-{
-    juce::MessageManager::getInstance()->runDispatchLoopUntil (milliseconds);
-}
+void pump (int milliseconds) { juce::MessageManager::getInstance()->runDispatchLoopUntil (milliseconds); }
 } // namespace
 
 TEST_F (HostedEditorTest, EditorOpenedAndClosedWhileAudioRunsLeavesOutputFinite)

@@ -5,7 +5,8 @@
 
 #include <optional>
 
-#include "DelayRig.h"
+#include "effects/TiltEqualiser.h"
+#include "engine/support/Listen.h"
 #include "engine/support/TestProcessor.h"
 
 namespace
@@ -25,40 +26,6 @@ struct TempoPlayHead : juce::AudioPlayHead
     bool hasPosition = true;
     std::optional<double> bpm;
 };
-
-using Settings = std::initializer_list<std::pair<const char*, float>>;
-
-void set (KestruneAudioProcessor& p, Settings settings)
-{
-    for (const auto& [id, value] : settings)
-    {
-        auto* parameter = p.parameters.getParameter (id);
-        ASSERT_NE (parameter, nullptr) << id;
-        parameter->setValueNotifyingHost (parameter->convertTo0to1 (value));
-    }
-}
-
-// Plays one note from the first block on and returns the left output, all of it finite.
-std::vector<float> renderNote (KestruneAudioProcessor& p, int blocks, int blockSize = 256)
-{
-    std::vector<float> left;
-    juce::AudioBuffer<float> buffer (2, blockSize);
-    for (int b = 0; b < blocks; ++b)
-    {
-        juce::MidiBuffer midi;
-        if (b == 0)
-            midi.addEvent (juce::MidiMessage::noteOn (1, 57, (juce::uint8) 100), 0);
-        buffer.clear();
-        p.processBlock (buffer, midi);
-        for (int ch = 0; ch < 2; ++ch)
-            EXPECT_TRUE (std::all_of (buffer.getReadPointer (ch), buffer.getReadPointer (ch) + blockSize, [] (float v) { return std::isfinite (v); }))
-                << "block " << b;
-        left.insert (left.end(), buffer.getReadPointer (0), buffer.getReadPointer (0) + blockSize);
-    }
-    return left;
-}
-
-const Settings plainWetChain = { { "bp1", 0.0f }, { "bp2", 0.0f }, { "bp3", 0.0f }, { "reverb", 0.0f }, { "flangerit", 0.0f } };
 } // namespace
 
 TEST (WetChain, DelayLengthFollowsTimeSyncAndTheHostTempo)
@@ -81,14 +48,12 @@ TEST (WetChain, DelayLengthFollowsTimeSyncAndTheHostTempo)
         { 2980, 1, true, -5.0, 4 },               // or a negative tempo
         { 2980, 0, true, 120.0, 143040 },         // unsynced: plain milliseconds
     };
-    juce::AudioBuffer<float> buffer (2, 256);
     for (const auto& s : steps)
     {
-        set (p, { { "time", s.time }, { "sync", s.sync } });
+        t.set ({ { "time", s.time }, { "sync", s.sync } });
         playHead.hasPosition = s.hasPosition;
         playHead.bpm = s.bpm;
-        juce::MidiBuffer midi;
-        p.processBlock (buffer, midi);
+        t.render (1);
         EXPECT_EQ (p.blockDelay.getBlockLength(), s.expected) << s.time << " ms, sync " << s.sync << ", " << (s.bpm ? *s.bpm : -1.0) << " BPM";
     }
     p.setPlayHead (nullptr);
@@ -96,7 +61,7 @@ TEST (WetChain, DelayLengthFollowsTimeSyncAndTheHostTempo)
 
 TEST (WetChain, EveryWetChainControlChangesTheSound)
 {
-    const Settings base = {
+    const std::initializer_list<std::pair<const char*, float>> base = {
         { "bp1", 0.0f }, { "bp2", 1.0f }, { "bp3", 1.0f }, { "pre", 1.0f }, { "time", 100.0f }, { "sync", 0.0f },
         { "fmit", 0.0f }, { "squeezeit", 0.0f }, { "fdbk", 0.5f }, { "envms", 5.0f }, { "revmix", 0.8f }, { "rev", 1.0f },
         { "rate", 1.0f }, { "flangerit", 0.5f }, { "tilt", 0.0f }, { "drywet", 0.8f }, { "reverb", 0.0f },
@@ -104,10 +69,10 @@ TEST (WetChain, EveryWetChainControlChangesTheSound)
     auto render = [&] (const char* changedId, float changedValue)
     {
         TestProcessor t;
-        set (*t.processor, base);
+        t.set (base);
         if (changedId != nullptr)
-            set (*t.processor, { { changedId, changedValue } });
-        return renderNote (*t.processor, 60); // a little over three delay blocks
+            t.set ({ { changedId, changedValue } });
+        return t.render (60, TestProcessor::noteOn (57)); // a little over three delay blocks
     };
     const auto reference = render (nullptr, 0.0f);
     ASSERT_GT (listen::energy (reference), 0.0);
@@ -138,9 +103,8 @@ TEST (WetChain, WithEveryModuleOffTheWetPathIsTheTiltOnly)
         for (int wet = 0; wet < 2; ++wet)
         {
             TestProcessor t;
-            set (*t.processor, plainWetChain);
-            set (*t.processor, { { "tilt", tiltValue }, { "drywet", (float) wet } });
-            rendered[wet] = renderNote (*t.processor, 40);
+            t.set ({ { "bp1", 0 }, { "bp2", 0 }, { "bp3", 0 }, { "reverb", 0 }, { "flangerit", 0 }, { "tilt", tiltValue }, { "drywet", (float) wet } });
+            rendered[wet] = t.render (40, TestProcessor::noteOn (57));
         }
         TiltEqualiser reference;
         reference.setupBlock (tiltValue, 48000.0);
@@ -161,10 +125,11 @@ TEST (WetChain, LongestDelayReplaysUnderBlocksLongerThanPrepared)
     TempoPlayHead playHead;
     playHead.bpm = 1.0;
     p.setPlayHead (&playHead);
-    set (p, { { "bp2", 1.0f }, { "bp3", 1.0f }, { "pre", 1.0f }, { "sync", 1.0f }, { "time", 2980.0f }, { "fmit", 1400.0f },
-              { "squeezeit", 1000.0f }, { "fdbk", 0.98f }, { "rate", 10.0f }, { "flangerit", -1.0f }, { "tilt", 1.0f },
-              { "drywet", 1.0f } });
-    const auto out = renderNote (p, (2 * BlockDelay::maxBlockLength + 4096) / 1000 + 1, 1000);
+    t.set ({ { "bp2", 1.0f }, { "bp3", 1.0f }, { "pre", 1.0f }, { "sync", 1.0f }, { "time", 2980.0f }, { "fmit", 1400.0f },
+            { "squeezeit", 1000.0f }, { "fdbk", 0.98f }, { "rate", 10.0f }, { "flangerit", -1.0f }, { "tilt", 1.0f },
+            { "drywet", 1.0f } });
+    const auto out = t.render ((2 * BlockDelay::maxBlockLength + 4096) / 1000 + 1, TestProcessor::noteOn (57), 1000);
+    EXPECT_TRUE (listen::allFinite (out));
     EXPECT_EQ (p.blockDelay.getBlockLength(), BlockDelay::maxBlockLength);
     EXPECT_GT (listen::energy (out, 2 * BlockDelay::maxBlockLength - 48000, 2 * BlockDelay::maxBlockLength), 0.0);
     p.setPlayHead (nullptr);

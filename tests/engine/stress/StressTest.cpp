@@ -1,16 +1,152 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 // The processor under a demanding host's worst habits, with the calling thread watched: every rate
 // and awkward block size across prepare/release cycles, parameters at their ends in combination,
-// MIDI that no keyboard sends, and state restores and automation from another thread while audio runs.
-#include "engine/stress/StressRig.h"
+// MIDI that no keyboard sends, and state restores and automation from another thread while audio
+// runs. Every case must stay finite and bounded, allocate nothing and take no more than the
+// expected locks; each prints its line, so the run's log lists every peak.
+#include <gtest/gtest.h>
 
 #include <atomic>
+#include <cmath>
+#include <cstdio>
 #include <functional>
+#include <memory>
 #include <thread>
+
+#include <juce_events/juce_events.h>
+
+#include "core/KestruneAudioProcessor.h"
+#include "engine/support/ScopedRealTimeRecord.h"
 
 namespace
 {
 constexpr int varying = 0; // block size drawn anew for every block, up to 8192
+
+// Shorter in sanitized builds, where the sanitizer owns malloc.
+double stressSeconds (double atFullSpeed) { return ScopedRealTimeRecord::isActive() ? atFullSpeed : atFullSpeed * 0.25; }
+
+// juce::Synthesiser (JUCE 8) empties its voice-stealing array with Array::clear(), which frees the
+// storage, so every steal calls malloc on the audio thread; the C allocator is held to zero only
+// where no voice can be stolen. operator new is held to zero everywhere.
+enum class Stealing { impossible, possible };
+
+// Drives the processor as a host would and records what each block did on the calling thread.
+struct StressRig
+{
+    StressRig (double sampleRate, int maxBlockSize) { prepare (sampleRate, maxBlockSize); }
+
+    // releaseResources, then prepareToPlay, as a host does on a settings change.
+    void prepare (double sampleRate, int maxBlockSize)
+    {
+        processor->releaseResources();
+        processor->setRateAndBufferSizeDetails (sampleRate, maxBlockSize);
+        processor->prepareToPlay (sampleRate, maxBlockSize);
+        buffer.setSize (2, maxBlockSize);
+    }
+
+    // One processBlock of n samples into a cleared view of the buffer, as a host hands a shorter block.
+    void render (int n, juce::MidiBuffer& midi)
+    {
+        juce::AudioBuffer<float> block (buffer.getArrayOfWritePointers(), 2, n);
+        block.clear();
+        bool modWheel = false;
+        for (const auto m : midi)
+            modWheel = modWheel || (m.numBytes == 3 && (m.data[0] & 0xf0) == 0xb0 && m.data[1] == 1);
+        {
+            ScopedRealTimeRecord record;
+            processor->processBlock (block, midi);
+            stats.news += record.getNews();
+            stats.mallocs += record.getMallocs();
+            auto& most = modWheel ? stats.mostMutexesWithModWheel : stats.mostMutexes;
+            most = std::max (most, record.getDistinctMutexes());
+        }
+        stats.blocks += 1;
+        for (int ch = 0; ch < 2; ++ch)
+            for (int i = 0; i < n; ++i)
+                if (const float x = block.getSample (ch, i); ! std::isfinite (x))
+                    ++stats.nonFinite;
+                else
+                    stats.peak = std::max (stats.peak, std::abs (x));
+    }
+
+    // Through the parameter objects, as the plug-in wrapper does: in the plug-in's units or normalised.
+    void setParameter (int index, float value)
+    {
+        auto* parameter = processor->parameters.getParameter (parameterTable[index].id);
+        parameter->setValueNotifyingHost (parameter->convertTo0to1 (value));
+    }
+    void setNormalised (int index, float value) { processor->parameters.getParameter (parameterTable[index].id)->setValueNotifyingHost (value); }
+
+    // Any parameter but the volume, so that the output rarely falls silent; a third of the changes
+    // go to an end of the range, where most trouble lives.
+    void randomiseParameters (juce::Random& random, int howMany)
+    {
+        for (int i = 0; i < howMany; ++i)
+            if (const int index = random.nextInt (numParameters); index != ParameterIndex::volume)
+                setNormalised (index, random.nextInt (3) == 0 ? (float) random.nextInt (2) : random.nextFloat());
+    }
+
+    // The loud end of the chain, so that every stage sees many voices at once.
+    void allStagesLoud()
+    {
+        for (int index : { ParameterIndex::bp1, ParameterIndex::bp2, ParameterIndex::bp3, ParameterIndex::reverb })
+            setParameter (index, 1.0f);
+        setParameter (ParameterIndex::fdbk, 0.98f);
+    }
+
+    void expectHealthy (const juce::String& name, Stealing stealing = Stealing::possible)
+    {
+        std::printf ("stress | %-58s | %7lld blocks | peak %9.4f | non-finite %lld | allocations %zu new, %zu malloc | mutexes %zu/%zu\n",
+                     name.toRawUTF8(), (long long) stats.blocks, (double) stats.peak, (long long) stats.nonFinite, stats.news,
+                     stats.mallocs, stats.mostMutexes, stats.mostMutexesWithModWheel);
+        std::fflush (stdout);
+        EXPECT_EQ (stats.nonFinite, 0) << name;
+        // No limiter in the chain, so loud settings may exceed full scale; this only catches output
+        // that grows without limit (a feedback loop gone unstable).
+        EXPECT_LT (stats.peak, 64.0f) << name;
+        EXPECT_EQ (stats.news, 0u) << name;
+        EXPECT_TRUE (stealing == Stealing::possible || stats.mallocs == 0) << name << ": " << stats.mallocs << " C allocator calls";
+        // The synthesiser's voice lock and its voice-stealing lock, and the keyboard state's lock;
+        // with a mod-wheel message also the listener locks of the parameter notification it sends.
+        EXPECT_LE (stats.mostMutexes, 3u) << name;
+        EXPECT_LE (stats.mostMutexesWithModWheel, 5u) << name;
+    }
+
+    struct Stats
+    {
+        juce::int64 blocks = 0, nonFinite = 0;
+        std::size_t news = 0, mallocs = 0, mostMutexes = 0, mostMutexesWithModWheel = 0;
+        float peak = 0.0f;
+    } stats;
+    juce::ScopedJuceInitialiser_GUI framework;
+    std::unique_ptr<KestruneAudioProcessor> processor = std::make_unique<KestruneAudioProcessor>();
+    juce::AudioBuffer<float> buffer;
+};
+
+// A chord that changes every `period` samples: note-offs for the old notes and note-ons for new
+// ones, inside the block that reaches the change.
+struct ChordPlayer
+{
+    void addEvents (juce::MidiBuffer& midi, juce::int64 blockStart, int n)
+    {
+        for (juce::int64 s = ((blockStart + period - 1) / period) * period; s < blockStart + n; s += period)
+        {
+            const int offset = (int) (s - blockStart);
+            for (int note : held)
+                midi.addEvent (juce::MidiMessage::noteOff (1, note), offset);
+            held.clearQuick();
+            for (int i = 0; i < count; ++i)
+                held.add (24 + random.nextInt (84));
+            for (int note : held)
+                midi.addEvent (juce::MidiMessage::noteOn (1, note, (juce::uint8) (1 + random.nextInt (127))), offset);
+        }
+    }
+
+    juce::Random& random;
+    juce::int64 period;
+    int count;
+    juce::Array<int> held {};
+};
 
 // Puts the MIDI for block number `block`, of n samples, into the buffer.
 using Events = std::function<void (juce::MidiBuffer&, juce::int64 block, int n, juce::Random&)>;
@@ -34,14 +170,6 @@ void allKeys (juce::MidiBuffer& midi, int channel, bool on, int position)
     for (int note = 0; note < 128; ++note)
         midi.addEvent (on ? juce::MidiMessage::noteOn (channel, note, (juce::uint8) 127) : juce::MidiMessage::noteOff (channel, note), position);
 }
-
-// The loud end of the chain, so that every stage sees many voices at once.
-void allStagesLoud (StressRig& rig)
-{
-    for (int index : { ParameterIndex::bp1, ParameterIndex::bp2, ParameterIndex::bp3, ParameterIndex::reverb })
-        rig.setParameter (index, 1.0f);
-    rig.setParameter (ParameterIndex::fdbk, 0.98f);
-}
 } // namespace
 
 TEST (Stress, EveryRateAndBlockSizeAcrossPrepareReleaseCyclesWithAutomation)
@@ -51,16 +179,16 @@ TEST (Stress, EveryRateAndBlockSizeAcrossPrepareReleaseCyclesWithAutomation)
     // never saw begin; parameters move before every block.
     juce::Random random (101);
     StressRig rig (48000.0, 512);
-    stress::ChordPlayer chords (random, 4000, 5);
+    ChordPlayer chords { random, 4000, 5 };
     juce::MidiBuffer midi;
     midi.ensureSize (8192);
     juce::int64 position = 0;
     for (int blockSize : { 1, 2, 7, 31, 32, 33, 256, 1000, 4096, 8192, varying })
         for (double rate : { 22050.0, 44100.0, 48000.0, 88200.0, 96000.0, 192000.0 })
         {
-            rig.reprepare (rate, blockSize == varying ? 8192 : blockSize);
+            rig.prepare (rate, blockSize == varying ? 8192 : blockSize);
             rig.stats = {};
-            const auto total = (juce::int64) (rate * stress::seconds (0.12));
+            const auto total = (juce::int64) (rate * stressSeconds (0.12));
             for (juce::int64 done = 0; done < total;)
             {
                 int n = blockSize;
@@ -78,8 +206,7 @@ TEST (Stress, EveryRateAndBlockSizeAcrossPrepareReleaseCyclesWithAutomation)
                 done += n;
                 position += n;
             }
-            stress::expectHealthy (juce::String (rate, 0) + " Hz, block " + (blockSize == varying ? juce::String ("varying") : juce::String (blockSize)),
-                                   rig.stats);
+            rig.expectHealthy (juce::String (rate, 0) + " Hz, block " + (blockSize == varying ? juce::String ("varying") : juce::String (blockSize)));
         }
 }
 
@@ -105,9 +232,9 @@ TEST (Stress, ParametersAtTheirEndsInCombinationStayFiniteAndBounded)
         for (const auto& [index, value] : settings)
             rig.setParameter (index, value);
         juce::Random chordRandom (seed);
-        stress::ChordPlayer chords (chordRandom, (juce::int64) (rate * 0.4), 8);
-        play (rig, seed, rate, 512, stress::seconds (seconds), [&] (juce::MidiBuffer& m, juce::int64 b, int n, juce::Random&) { chords.addEvents (m, b * n, n); });
-        stress::expectHealthy (name + " @" + juce::String (rate, 0), rig.stats);
+        ChordPlayer chords { chordRandom, (juce::int64) (rate * 0.4), 8 };
+        play (rig, seed, rate, 512, stressSeconds (seconds), [&] (juce::MidiBuffer& m, juce::int64 b, int n, juce::Random&) { chords.addEvents (m, b * n, n); });
+        rig.expectHealthy (name + " @" + juce::String (rate, 0));
     };
 
     juce::int64 seed = 7;
@@ -138,13 +265,13 @@ TEST (Stress, MidiStormsStayFiniteAndAllocationFree)
     // MIDI that sequencers and broken controllers send: whole keyboards in one block, more notes than
     // voices, every kind of message on every channel. Chords that release before the next one never
     // steal a voice, so there not even the C allocator may be called.
-    struct Storm { const char* name; stress::Stealing stealing; Events events; };
+    struct Storm { const char* name; Stealing stealing; Events events; };
     const Storm storms[] = {
-        { "128 notes on and off in one block", stress::Stealing::possible,
+        { "128 notes on and off in one block", Stealing::possible,
           [] (juce::MidiBuffer& m, juce::int64 b, int n, juce::Random&) { if (b % 8 == 0) { allKeys (m, 1, true, 0); allKeys (m, 1, false, n - 1); } } },
-        { "128 notes held, beyond the voice count", stress::Stealing::possible,
+        { "128 notes held, beyond the voice count", Stealing::possible,
           [] (juce::MidiBuffer& m, juce::int64 b, int, juce::Random&) { if (b == 0) allKeys (m, 1, true, 0); if (b == 150) allKeys (m, 1, false, 0); } },
-        { "everything at once", stress::Stealing::possible, [] (juce::MidiBuffer& m, juce::int64 b, int n, juce::Random& r) {
+        { "everything at once", Stealing::possible, [] (juce::MidiBuffer& m, juce::int64 b, int n, juce::Random& r) {
               const M kinds[] = { M::noteOn (1, r.nextInt (128), (juce::uint8) r.nextInt (128)), M::noteOff (1, r.nextInt (128)),
                                   M::pitchWheel (1, r.nextInt (16384)), M::controllerEvent (1, 1, r.nextInt (128)),
                                   M::controllerEvent (1, 64, r.nextInt (128)), M::allNotesOff (1), M::allSoundOff (1) };
@@ -156,7 +283,7 @@ TEST (Stress, MidiStormsStayFiniteAndAllocationFree)
               }
               if (b % 32 == 0) allKeys (m, 1 + r.nextInt (16), true, r.nextInt (n));
           } },
-        { "eight-note chords released before the next", stress::Stealing::impossible, [] (juce::MidiBuffer& m, juce::int64 b, int n, juce::Random&) {
+        { "eight-note chords released before the next", Stealing::impossible, [] (juce::MidiBuffer& m, juce::int64 b, int n, juce::Random&) {
               const auto period = 44100 / n;
               for (int note : { 36, 43, 48, 55, 60, 64, 67, 72 })
               {
@@ -171,8 +298,8 @@ TEST (Stress, MidiStormsStayFiniteAndAllocationFree)
         for (int blockSize : { 7, 256 })
         {
             StressRig rig (44100.0, blockSize);
-            allStagesLoud (rig);
-            play (rig, seed++, 44100.0, blockSize, stress::seconds (1.0), storm.events);
+            rig.allStagesLoud();
+            play (rig, seed++, 44100.0, blockSize, stressSeconds (1.0), storm.events);
             // Every note released, pedals up: the voices must be able to fall silent again.
             juce::MidiBuffer release;
             for (int ch = 1; ch <= 16; ++ch)
@@ -181,7 +308,7 @@ TEST (Stress, MidiStormsStayFiniteAndAllocationFree)
                 allKeys (release, ch, false, 0);
             }
             rig.render (blockSize, release);
-            stress::expectHealthy (juce::String (storm.name) + ", block " + juce::String (blockSize), rig.stats, storm.stealing);
+            rig.expectHealthy (juce::String (storm.name) + ", block " + juce::String (blockSize), storm.stealing);
         }
 }
 
@@ -191,13 +318,13 @@ TEST (Stress, StateRestoresAndAutomationFromAnotherThreadWhileAudioRuns)
     // thread does, so the changes land in the middle of blocks. A restore may cut the sound; it must
     // not crash, produce NaN or make the audio thread allocate or wait.
     StressRig rig (48000.0, 512);
-    allStagesLoud (rig);
+    rig.allStagesLoud();
     juce::Random random (4242);
     std::vector<juce::MemoryBlock> states (8);
     for (auto& state : states)
     {
         rig.randomiseParameters (random, 30);
-        rig.processor().getStateInformation (state);
+        rig.processor->getStateInformation (state);
     }
     states.emplace_back ("VC2!\x05\0\0\0<a/", 12); // damaged
     states.emplace_back ();                       // empty
@@ -207,7 +334,7 @@ TEST (Stress, StateRestoresAndAutomationFromAnotherThreadWhileAudioRuns)
     std::thread audio ([&]
     {
         juce::Random audioRandom (99);
-        stress::ChordPlayer chords (audioRandom, 4800, 6);
+        ChordPlayer chords { audioRandom, 4800, 6 };
         juce::MidiBuffer midi;
         midi.ensureSize (4096);
         for (juce::int64 position = 0; running.load();)
@@ -221,14 +348,14 @@ TEST (Stress, StateRestoresAndAutomationFromAnotherThreadWhileAudioRuns)
         }
     });
 
-    const auto end = juce::Time::getMillisecondCounter() + (juce::uint32) (stress::seconds (1.5) * 1000.0);
+    const auto end = juce::Time::getMillisecondCounter() + (juce::uint32) (stressSeconds (1.5) * 1000.0);
     int restores = 0, changes = 0;
     while (juce::Time::getMillisecondCounter() < end || blocksRendered.load() < 200)
     {
         if (random.nextInt (4) == 0)
         {
             const auto& state = states[(size_t) random.nextInt ((int) states.size())];
-            rig.processor().setStateInformation (state.getData(), (int) state.getSize());
+            rig.processor->setStateInformation (state.getData(), (int) state.getSize());
             ++restores;
         }
         else
@@ -240,5 +367,5 @@ TEST (Stress, StateRestoresAndAutomationFromAnotherThreadWhileAudioRuns)
     }
     running = false;
     audio.join();
-    stress::expectHealthy ("while audio runs: " + juce::String (restores) + " restores, " + juce::String (changes) + " changes", rig.stats);
+    rig.expectHealthy ("while audio runs: " + juce::String (restores) + " restores, " + juce::String (changes) + " changes");
 }
