@@ -6,11 +6,9 @@
 
 extern "C" int LLVMFuzzerTestOneInput (const std::uint8_t* data, std::size_t size)
 {
-    auto& fuzzed = FuzzedProcessor::get();
-    auto& processor = fuzzed.processor();
-
+    auto& processor = FuzzedProcessor::get();
     processor.setStateInformation (data, (int) juce::jmin (size, (std::size_t) 1 << 20));
-    fuzzed.checkAfterInput();
+    FuzzedProcessor::checkAfterInput();
 
     juce::MemoryOutputStream framed;
     framed.writeInt (0x21324356);
@@ -18,6 +16,6 @@ extern "C" int LLVMFuzzerTestOneInput (const std::uint8_t* data, std::size_t siz
     framed.write (data, size);
     framed.writeByte (0);
     processor.setStateInformation (framed.getData(), (int) framed.getDataSize());
-    fuzzed.checkAfterInput();
+    FuzzedProcessor::checkAfterInput();
     return 0;
 }

@@ -18,6 +18,7 @@ struct Stereo
 {
     std::vector<float> left, right;
     Stereo part (size_t from, size_t to) const { return { { left.begin() + (long) from, left.begin() + (long) to }, { right.begin() + (long) from, right.begin() + (long) to } }; }
+    bool finite() const { return listen::allFinite (left) && listen::allFinite (right); }
 };
 
 // The stage and its DC blockers, prepared unless the rate is 0.
@@ -76,25 +77,21 @@ Stereo impulse (size_t length)
     return x;
 }
 
-Stereo noise (size_t length, float level, int seed)
-{
-    return { listen::whiteNoise (length, level, seed), listen::whiteNoise (length, level, seed + 1000) };
-}
+Stereo noise (size_t length, float level, int seed) { return { listen::whiteNoise (length, level, seed), listen::whiteNoise (length, level, seed + 1000) }; }
 
 // Second-order band-pass, 0 dB at the centre, about an octave wide.
-std::vector<float> bandPass (const std::vector<float>& x, double centre, double rate)
+std::vector<float> bandPass (std::vector<float> x, double centre, double rate)
 {
     const double w0 = 2.0 * M_PI * centre / rate, alpha = std::sin (w0) / (2.0 * std::sqrt (2.0)), a0 = 1.0 + alpha;
     const double b0 = alpha / a0, a1 = -2.0 * std::cos (w0) / a0, a2 = (1.0 - alpha) / a0;
-    std::vector<float> y (x.size());
     double x1 = 0, x2 = 0, y1 = 0, y2 = 0;
-    for (size_t i = 0; i < x.size(); ++i)
+    for (auto& v : x)
     {
-        const double out = b0 * (x[i] - x2) - a1 * y1 - a2 * y2;
-        x2 = x1, x1 = x[i], y2 = y1, y1 = out;
-        y[i] = (float) out;
+        const double out = b0 * (v - x2) - a1 * y1 - a2 * y2;
+        x2 = x1, x1 = v, y2 = y1, y1 = out;
+        v = (float) out;
     }
-    return y;
+    return x;
 }
 
 // Decay time from the backward-integrated energy, extrapolated from its fall between -5 and -25 dB.
@@ -143,7 +140,7 @@ TEST (ReverbTest, TailStartsAfter40MsAtEveryRateAndAfterEveryPrepare)
             ++first;
         EXPECT_GT (first, preDelay);
         EXPECT_LT (first, preDelay + (size_t) (rate * 0.2));
-        EXPECT_TRUE (listen::allFinite (wet.left) && listen::allFinite (wet.right));
+        EXPECT_TRUE (wet.finite());
         EXPECT_GT (listen::rms (wet.left, length / 2, length / 2), 2e-5);
         EXPECT_NE (wet.left, wet.right);
     }
@@ -211,7 +208,7 @@ TEST (ReverbTest, StaysBoundedAndSteadyUnderSixtySecondsOfFullLevelNoise)
     const double rate = 48000.0;
     ReverbRig rig (rate);
     const auto out = rig.run (noise ((size_t) (rate * 60.0), 1.0f, 5), 1.0f);
-    ASSERT_TRUE (listen::allFinite (out.left) && listen::allFinite (out.right));
+    ASSERT_TRUE (out.finite());
 
     float peak = 0.0f;
     for (size_t i = 0; i < out.left.size(); ++i)

@@ -148,20 +148,23 @@ struct ChordPlayer
     juce::Array<int> held {};
 };
 
-// Puts the MIDI for block number `block`, of n samples, into the buffer.
-using Events = std::function<void (juce::MidiBuffer&, juce::int64 block, int n, juce::Random&)>;
+// Puts the MIDI for block number `block`, of n samples from `position` on, into the buffer.
+using Events = std::function<void (juce::MidiBuffer&, juce::int64 block, juce::int64 position, int n, juce::Random&)>;
 
-// Renders `seconds` of audio in blocks of one size.
-void play (StressRig& rig, juce::int64 seed, double rate, int blockSize, double seconds, const Events& events)
+// Renders `seconds` of audio in blocks of one size, or of sizes drawn anew for every block.
+void play (StressRig& rig, juce::Random& random, double rate, int blockSize, double seconds, const Events& events)
 {
-    juce::Random random (seed);
     juce::MidiBuffer midi;
     midi.ensureSize (65536);
-    for (juce::int64 b = 0; b < (juce::int64) (rate * seconds) / blockSize; ++b)
+    const auto total = (juce::int64) (rate * seconds);
+    for (juce::int64 done = 0, b = 0; done < total; ++b)
     {
+        const int n = (int) std::min<juce::int64> (total - done, blockSize != varying ? blockSize
+                                                                  : random.nextInt (4) == 0 ? 1 + random.nextInt (8) : 1 + random.nextInt (8192));
         midi.clear();
-        events (midi, b, blockSize, random);
-        rig.render (blockSize, midi);
+        events (midi, b, done, n, random);
+        rig.render (n, midi);
+        done += n;
     }
 }
 
@@ -180,32 +183,22 @@ TEST (Stress, EveryRateAndBlockSizeAcrossPrepareReleaseCyclesWithAutomation)
     juce::Random random (101);
     StressRig rig (48000.0, 512);
     ChordPlayer chords { random, 4000, 5 };
-    juce::MidiBuffer midi;
-    midi.ensureSize (8192);
     juce::int64 position = 0;
     for (int blockSize : { 1, 2, 7, 31, 32, 33, 256, 1000, 4096, 8192, varying })
         for (double rate : { 22050.0, 44100.0, 48000.0, 88200.0, 96000.0, 192000.0 })
         {
             rig.prepare (rate, blockSize == varying ? 8192 : blockSize);
             rig.stats = {};
-            const auto total = (juce::int64) (rate * stressSeconds (0.12));
-            for (juce::int64 done = 0; done < total;)
+            play (rig, random, rate, blockSize, stressSeconds (0.12), [&] (juce::MidiBuffer& m, juce::int64 b, juce::int64, int n, juce::Random& r)
             {
-                int n = blockSize;
-                if (blockSize == varying)
-                    n = random.nextInt (4) == 0 ? 1 + random.nextInt (8) : 1 + random.nextInt (8192);
-                n = (int) juce::jmin ((juce::int64) n, total - done);
-                rig.randomiseParameters (random, 3);
-                midi.clear();
-                chords.addEvents (midi, position, n);
-                for (int i = 0; done == 0 && i < 4; ++i) // sound from the first block of every cycle
-                    midi.addEvent (juce::MidiMessage::noteOn (1, 40 + random.nextInt (50), (juce::uint8) 100), 0);
-                if (random.nextInt (8) == 0)
-                    midi.addEvent (juce::MidiMessage::pitchWheel (1, random.nextInt (16384)), random.nextInt (n));
-                rig.render (n, midi);
-                done += n;
+                rig.randomiseParameters (r, 3);
+                chords.addEvents (m, position, n);
                 position += n;
-            }
+                for (int i = 0; b == 0 && i < 4; ++i) // sound from the first block of every cycle
+                    m.addEvent (juce::MidiMessage::noteOn (1, 40 + r.nextInt (50), (juce::uint8) 100), 0);
+                if (r.nextInt (8) == 0)
+                    m.addEvent (juce::MidiMessage::pitchWheel (1, r.nextInt (16384)), r.nextInt (n));
+            });
             rig.expectHealthy (juce::String (rate, 0) + " Hz, block " + (blockSize == varying ? juce::String ("varying") : juce::String (blockSize)));
         }
 }
@@ -231,9 +224,9 @@ TEST (Stress, ParametersAtTheirEndsInCombinationStayFiniteAndBounded)
         StressRig rig (rate, 512);
         for (const auto& [index, value] : settings)
             rig.setParameter (index, value);
-        juce::Random chordRandom (seed);
-        ChordPlayer chords { chordRandom, (juce::int64) (rate * 0.4), 8 };
-        play (rig, seed, rate, 512, stressSeconds (seconds), [&] (juce::MidiBuffer& m, juce::int64 b, int n, juce::Random&) { chords.addEvents (m, b * n, n); });
+        juce::Random random (seed);
+        ChordPlayer chords { random, (juce::int64) (rate * 0.4), 8 };
+        play (rig, random, rate, 512, stressSeconds (seconds), [&] (juce::MidiBuffer& m, juce::int64, juce::int64 position, int n, juce::Random&) { chords.addEvents (m, position, n); });
         rig.expectHealthy (name + " @" + juce::String (rate, 0));
     };
 
@@ -268,10 +261,10 @@ TEST (Stress, MidiStormsStayFiniteAndAllocationFree)
     struct Storm { const char* name; Stealing stealing; Events events; };
     const Storm storms[] = {
         { "128 notes on and off in one block", Stealing::possible,
-          [] (juce::MidiBuffer& m, juce::int64 b, int n, juce::Random&) { if (b % 8 == 0) { allKeys (m, 1, true, 0); allKeys (m, 1, false, n - 1); } } },
+          [] (juce::MidiBuffer& m, juce::int64 b, juce::int64, int n, juce::Random&) { if (b % 8 == 0) { allKeys (m, 1, true, 0); allKeys (m, 1, false, n - 1); } } },
         { "128 notes held, beyond the voice count", Stealing::possible,
-          [] (juce::MidiBuffer& m, juce::int64 b, int, juce::Random&) { if (b == 0) allKeys (m, 1, true, 0); if (b == 150) allKeys (m, 1, false, 0); } },
-        { "everything at once", Stealing::possible, [] (juce::MidiBuffer& m, juce::int64 b, int n, juce::Random& r) {
+          [] (juce::MidiBuffer& m, juce::int64 b, juce::int64, int, juce::Random&) { if (b == 0) allKeys (m, 1, true, 0); if (b == 150) allKeys (m, 1, false, 0); } },
+        { "everything at once", Stealing::possible, [] (juce::MidiBuffer& m, juce::int64 b, juce::int64, int n, juce::Random& r) {
               const M kinds[] = { M::noteOn (1, r.nextInt (128), (juce::uint8) r.nextInt (128)), M::noteOff (1, r.nextInt (128)),
                                   M::pitchWheel (1, r.nextInt (16384)), M::controllerEvent (1, 1, r.nextInt (128)),
                                   M::controllerEvent (1, 64, r.nextInt (128)), M::allNotesOff (1), M::allSoundOff (1) };
@@ -283,7 +276,7 @@ TEST (Stress, MidiStormsStayFiniteAndAllocationFree)
               }
               if (b % 32 == 0) allKeys (m, 1 + r.nextInt (16), true, r.nextInt (n));
           } },
-        { "eight-note chords released before the next", Stealing::impossible, [] (juce::MidiBuffer& m, juce::int64 b, int n, juce::Random&) {
+        { "eight-note chords released before the next", Stealing::impossible, [] (juce::MidiBuffer& m, juce::int64 b, juce::int64, int n, juce::Random&) {
               const auto period = 44100 / n;
               for (int note : { 36, 43, 48, 55, 60, 64, 67, 72 })
               {
@@ -299,15 +292,8 @@ TEST (Stress, MidiStormsStayFiniteAndAllocationFree)
         {
             StressRig rig (44100.0, blockSize);
             rig.allStagesLoud();
-            play (rig, seed++, 44100.0, blockSize, stressSeconds (1.0), storm.events);
-            // Every note released, pedals up: the voices must be able to fall silent again.
-            juce::MidiBuffer release;
-            for (int ch = 1; ch <= 16; ++ch)
-            {
-                release.addEvent (M::controllerEvent (ch, 64, 0), 0);
-                allKeys (release, ch, false, 0);
-            }
-            rig.render (blockSize, release);
+            juce::Random random (seed++);
+            play (rig, random, 44100.0, blockSize, stressSeconds (1.0), storm.events);
             rig.expectHealthy (juce::String (storm.name) + ", block " + juce::String (blockSize), storm.stealing);
         }
 }

@@ -20,13 +20,18 @@ inline void checkWindow (const std::vector<float>& x, size_t start, size_t lengt
         throw std::out_of_range ("window past the end of the rendered audio");
 }
 
+inline double energy (const std::vector<float>& x, size_t from = 0, size_t to = SIZE_MAX)
+{
+    double sum = 0.0;
+    for (size_t i = from; i < std::min (to, x.size()); ++i)
+        sum += (double) x[i] * x[i];
+    return sum;
+}
+
 inline double rms (const std::vector<float>& x, size_t start, size_t length)
 {
     checkWindow (x, start, length);
-    double sum = 0.0;
-    for (size_t i = start; i < start + length; ++i)
-        sum += (double) x[i] * x[i];
-    return std::sqrt (sum / (double) length);
+    return std::sqrt (energy (x, start, start + length) / (double) length);
 }
 
 // Frequency from the upward zero crossings, interpolated between samples.
@@ -36,16 +41,12 @@ inline double frequency (const std::vector<float>& x, size_t start, size_t lengt
     double first = -1.0, last = -1.0;
     int crossings = 0;
     for (size_t i = start + 1; i < start + length; ++i)
-    {
         if (x[i - 1] < 0.0f && x[i] >= 0.0f)
         {
-            const double t = (double) (i - 1) + (double) x[i - 1] / ((double) x[i - 1] - (double) x[i]);
-            if (first < 0.0)
-                first = t;
-            last = t;
+            last = (double) (i - 1) + (double) x[i - 1] / ((double) x[i - 1] - (double) x[i]);
+            first = first < 0.0 ? last : first;
             ++crossings;
         }
-    }
     return crossings > 1 ? (crossings - 1) * sampleRate / (last - first) : 0.0;
 }
 
@@ -66,14 +67,8 @@ inline double impurity (const std::vector<float>& x, size_t start, size_t length
     const double a = (xs * (cc * n - c1 * c1) - sc * (xc * n - c1 * x1) + s1 * (xc * c1 - cc * x1)) / det;
     const double b = (ss * (xc * n - c1 * x1) - xs * (sc * n - c1 * s1) + s1 * (sc * x1 - xc * s1)) / det;
     const double k = (ss * (cc * x1 - xc * c1) - sc * (sc * x1 - xc * s1) + xs * (sc * c1 - cc * s1)) / det;
-    double residual = 0.0;
-    for (size_t i = start; i < start + length; ++i)
-    {
-        const double w = 2.0 * juce::MathConstants<double>::pi * hz * (double) i / sampleRate;
-        const double e = (double) x[i] - (a * std::sin (w) + b * std::cos (w) + k);
-        residual += e * e;
-    }
-    return total > 0.0 ? residual / total : 0.0;
+    // What the fit leaves: the total minus the fitted part, for least squares.
+    return total > 0.0 ? (total - (a * xs + b * xc + k * x1)) / total : 0.0;
 }
 
 // Magnitude spectrum (Hann window) of 2^order samples; bin k is k * sampleRate / 2^order Hz.
@@ -100,14 +95,6 @@ inline double peakNear (const std::vector<float>& magnitudes, double hz, double 
     const double a = magnitudes[best - 1], b = magnitudes[best], c = magnitudes[best + 1];
     const double offset = 0.5 * (a - c) / (a - 2.0 * b + c);
     return ((double) best + offset) * binHz;
-}
-
-inline double energy (const std::vector<float>& x, size_t from = 0, size_t to = SIZE_MAX)
-{
-    double sum = 0.0;
-    for (size_t i = from; i < std::min (to, x.size()); ++i)
-        sum += (double) x[i] * x[i];
-    return sum;
 }
 
 inline int indexOfPeak (const std::vector<float>& x)

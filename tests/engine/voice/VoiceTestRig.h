@@ -25,11 +25,9 @@ struct VoiceTestRig
             pointers[(size_t) row.index] = &storage[(size_t) row.index];
         }
         // A plain, steady tone unless a test asks otherwise.
-        set (ParameterIndex::pitch, 0.0f);
-        set (ParameterIndex::attack, 0.0f);
-        set (ParameterIndex::decay, 0.0f);
-        set (ParameterIndex::sustain, 1.0f);
-        set (ParameterIndex::release, 0.0f);
+        for (const auto& [index, value] : { std::pair { ParameterIndex::pitch, 0.0f }, { ParameterIndex::attack, 0.0f }, { ParameterIndex::decay, 0.0f },
+                                           { ParameterIndex::sustain, 1.0f }, { ParameterIndex::release, 0.0f } })
+            set (index, value);
 
         synth.addSound (new SynthSound());
         for (int i = 0; i < numVoices; ++i)
