@@ -51,7 +51,6 @@ TEST (BlockLoop, HeldNoteCountSetsThePolyphonyGainReachedOverAHundredthOfASecond
     for (int i = 0; i < 480; ++i)
         play ({});
     play ({ { on (54), 0 } });
-    ASSERT_FLOAT_EQ (p.getPolyGainTarget(), 0.5f);
     EXPECT_NEAR (p.polyGain.getCurrent(), 1.0f - 0.5f / 480.0f, 1e-6f);
     for (int i = 0; i < 478; ++i)
         play ({});

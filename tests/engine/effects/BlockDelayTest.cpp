@@ -3,7 +3,43 @@
 // silenced.
 #include <gtest/gtest.h>
 
-#include "DelayRig.h"
+#include <memory>
+
+#include "effects/BlockDelay.h"
+#include "engine/support/Listen.h"
+
+namespace
+{
+// Drives a block delay and its tilt filter the way the processor's wet pass does, at 48 kHz.
+struct DelayRig
+{
+    // Neutral settings: a 10 ms block (480 samples), no modulation, full wet mix.
+    static BlockDelay::Settings neutral() { return { 10.0f, 0.0f, 0.0f, 0.0f, 0.0f, 2.0f, 1.0f, 0.0f, 120.0, 48000.0f }; }
+
+    DelayRig() { delay->reset (48000.0); }
+
+    // Runs the same signal on both channels in host blocks of blockSize and returns the left output.
+    std::vector<float> runMono (std::vector<float> x, const BlockDelay::Settings& s, int blockSize, bool delayOn = true)
+    {
+        juce::AudioBuffer<float> buffer (2, blockSize);
+        for (int start = 0; start < (int) x.size(); start += blockSize)
+        {
+            const int n = std::min (blockSize, (int) x.size() - start);
+            delay->setupBlock (s);
+            tilt.setupBlock (0.0f, 48000.0);
+            for (int ch = 0; ch < 2; ++ch)
+                buffer.copyFrom (ch, 0, x.data() + start, n);
+            delay->process (buffer, n, delayOn, s.revmix, tilt);
+            std::copy (buffer.getReadPointer (0), buffer.getReadPointer (0) + n, x.begin() + start);
+        }
+        return x;
+    }
+
+    std::unique_ptr<BlockDelay> delay = std::make_unique<BlockDelay>(); // 4 MB: never on the stack
+    TiltEqualiser tilt;
+};
+} // namespace
+
 
 TEST (BlockDelay, ImpulseReturnsOneBlockLaterForwardsAndMirroredInReverse)
 {
@@ -27,11 +63,6 @@ TEST (BlockDelay, ImpulseReturnsOneBlockLaterForwardsAndMirroredInReverse)
         x[(size_t) c.impulseAt] = 1.0f;
         const auto y = rig.runMono (x, s, c.hostBlock);
         EXPECT_EQ (listen::indexOfPeak (y), c.expectedAt);
-        // Mid-block the window and the envelope are 1, so the peak is 1.1 times the tilt's first tap.
-        if (c.impulseAt * 2 == (int) (c.timeMs * 48.0f))
-        {
-            EXPECT_NEAR (std::abs (y[(size_t) c.expectedAt]), 1.1 * (1.0 - std::exp (-2.0 * M_PI * 10000.0 / 48000.0)), 1e-3);
-        }
     }
 }
 
@@ -70,9 +101,7 @@ TEST (BlockDelay, SilencedDelayStillRecordsAndPlaysOnceHeardAgain)
         DelayRig rig, tiltOnly;
         auto s = DelayRig::neutral();
         s.revmix = c.revmix;
-        auto x = listen::whiteNoise (960, 1.0f, 3);
-        for (auto& v : x)
-            v *= 0.1f;
+        auto x = listen::whiteNoise (960, 0.1f, 3);
         x[240] = 1.0f;       // would play in the second block
         x[480 + 100] = 1.0f; // recorded in the second block
         EXPECT_EQ (rig.runMono (x, s, 128, c.delayOn), tiltOnly.runMono (x, s, 128, false));
@@ -100,8 +129,7 @@ TEST (BlockDelay, ReverseSwitchedOnMidBlockKeepsRingModulationFinite)
         rig.runMono ({ x.begin(), x.begin() + 512 }, s, 256);
         s.rev = 1.0f;
         const auto y = rig.runMono ({ x.begin() + 512, x.end() }, s, 256);
-        for (float v : y)
-            ASSERT_TRUE (std::isfinite (v));
+        EXPECT_TRUE (listen::allFinite (y));
         EXPECT_GT (listen::energy (y), 1.0);
     }
 }

@@ -240,16 +240,6 @@ TEST (Stress, ParametersAtTheirEndsInCombinationStayFiniteAndBounded)
         for (double rate : { 22050.0, 48000.0, 192000.0 })
             run (name, settings, rate, rate > 100000.0 ? 1.1 : 1.5, seed++);
     }
-    // Every parameter at its minimum or maximum, drawn at random.
-    juce::Random corners (2024);
-    for (int i = 0; i < 8; ++i)
-    {
-        P settings;
-        for (const auto& row : parameterTable)
-            settings.emplace_back (row.index, (float) (corners.nextBool() ? row.max : row.min));
-        settings.emplace_back (I::volume, 1.0f);
-        run ("random corner " + juce::String (i), settings, 48000.0, 1.0, seed++);
-    }
 }
 
 TEST (Stress, MidiStormsStayFiniteAndAllocationFree)

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
-// What the DSP tests listen with: level, pitch, purity and spectrum of rendered audio.
+// What the DSP tests listen with: level, pitch and purity of rendered audio, and test signals.
 #pragma once
 
 #include <algorithm>
@@ -9,7 +9,6 @@
 #include <vector>
 
 #include <juce_core/juce_core.h>
-#include <juce_dsp/juce_dsp.h>
 
 namespace listen
 {
@@ -69,32 +68,6 @@ inline double impurity (const std::vector<float>& x, size_t start, size_t length
     const double k = (ss * (cc * x1 - xc * c1) - sc * (sc * x1 - xc * s1) + xs * (sc * c1 - cc * s1)) / det;
     // What the fit leaves: the total minus the fitted part, for least squares.
     return total > 0.0 ? (total - (a * xs + b * xc + k * x1)) / total : 0.0;
-}
-
-// Magnitude spectrum (Hann window) of 2^order samples; bin k is k * sampleRate / 2^order Hz.
-inline std::vector<float> spectrum (const std::vector<float>& x, size_t start, int order)
-{
-    const int size = 1 << order;
-    checkWindow (x, start, (size_t) size);
-    std::vector<float> data ((size_t) size * 2, 0.0f);
-    for (int i = 0; i < size; ++i)
-        data[(size_t) i] = x[start + (size_t) i] * (0.5f - 0.5f * std::cos (2.0f * juce::MathConstants<float>::pi * (float) i / (float) size));
-    juce::dsp::FFT (order).performFrequencyOnlyForwardTransform (data.data());
-    data.resize ((size_t) size / 2);
-    return data;
-}
-
-// The frequency of the strongest bin within a relative window around `hz`, refined by a parabola.
-inline double peakNear (const std::vector<float>& magnitudes, double hz, double window, double binHz)
-{
-    const auto lo = (size_t) (hz * (1.0 - window) / binHz), hi = (size_t) (hz * (1.0 + window) / binHz);
-    size_t best = lo;
-    for (size_t k = lo; k <= hi; ++k)
-        if (magnitudes[k] > magnitudes[best])
-            best = k;
-    const double a = magnitudes[best - 1], b = magnitudes[best], c = magnitudes[best + 1];
-    const double offset = 0.5 * (a - c) / (a - 2.0 * b + c);
-    return ((double) best + offset) * binHz;
 }
 
 inline int indexOfPeak (const std::vector<float>& x)

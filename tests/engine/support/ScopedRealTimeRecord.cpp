@@ -59,11 +59,8 @@ int posix_memalign (void** result, std::size_t alignment, std::size_t size)
     mallocs += recording;
     if (alignment % sizeof (void*) != 0 || (alignment & (alignment - 1)) != 0)
         return EINVAL;
-    void* p = __libc_memalign (alignment, size);
-    if (p == nullptr)
-        return ENOMEM;
-    *result = p;
-    return 0;
+    *result = __libc_memalign (alignment, size);
+    return *result != nullptr ? 0 : ENOMEM;
 }
 
 // The C library's implementation under its other exported name, bound to its only version: no

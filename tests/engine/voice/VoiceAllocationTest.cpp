@@ -75,10 +75,9 @@ TEST (VoiceAllocation, ReleasedVoicesFreeThemselvesAndFallSilent)
     }
 }
 
-TEST (VoiceAllocation, EachNoteKeepsOnePlacementAndOnlyTheLouderSideMoves)
+TEST (VoiceAllocation, EachNoteKeepsOnePlacementAndSuccessiveNotesMove)
 {
     VoiceTestRig rig (48000.0, 1);
-    double previousLeft = 1.0, previousRight = 1.0;
     std::set<double> placements;
     for (int n = 0; n < 12; ++n)
     {
@@ -87,8 +86,9 @@ TEST (VoiceAllocation, EachNoteKeepsOnePlacementAndOnlyTheLouderSideMoves)
         rig.noteOff (60 + n % 2);
         rig.render (64);
 
-        // Within the note, the channels differ by one constant factor.
+        // Within the note, the channels differ by one constant factor; neither side drops under 0.55.
         const double ratio = (double) rig.left[start + 2000] / rig.right[start + 2000];
+        EXPECT_TRUE (ratio >= 0.55 && ratio <= 1.0 / 0.55) << ratio;
         for (size_t i = start + 100; i < start + 4800; i += 97)
         {
             if (std::abs (rig.right[i]) > 1e-3f)
@@ -96,17 +96,7 @@ TEST (VoiceAllocation, EachNoteKeepsOnePlacementAndOnlyTheLouderSideMoves)
                 ASSERT_NEAR ((double) rig.left[i] / rig.right[i], ratio, 1e-5 * ratio);
             }
         }
-
-        // The louder side of the last note keeps its gain, the other one is drawn from 0.55 to 1;
-        // the first note sits at 1 and 0.8.
-        const double left = rig.voice (0)->getPanGainLeft(), right = rig.voice (0)->getPanGainRight();
-        EXPECT_NEAR (ratio, left / right, 1e-5);
-        const bool leftMoved = previousLeft > previousRight;
-        EXPECT_EQ (leftMoved ? right : left, n == 0 ? 1.0 : (leftMoved ? previousRight : previousLeft)) << "note " << n;
-        EXPECT_NEAR (leftMoved ? left : right, n == 0 ? 0.8 : 0.775, n == 0 ? 1e-7 : 0.225) << "note " << n;
-        placements.insert (left / right);
-        previousLeft = left;
-        previousRight = right;
+        placements.insert (ratio);
     }
     EXPECT_GT (placements.size(), 6u) << "successive notes land in different places";
 }

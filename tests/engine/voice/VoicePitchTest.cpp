@@ -36,34 +36,6 @@ TEST (VoicePitch, NoteSoundsAtItsFrequencyAndTheWheelBendsTwoSemitones)
     }
 }
 
-TEST (VoicePitch, EachRatioPositionPutsTheModulatorSidebandWhereExpected)
-{
-    // Exponents in semitones of the modulator against the carrier; two positions also drop the carrier.
-    struct Case { float position; double exponent; int carrierOffset; };
-    const Case cases[] = {
-        { -24.0f, -24.0, 0 }, { -20.0f, -19.0, -5 }, { -16.0f, -16.9, 0 }, { -12.0f, -12.0, 0 },
-        { -8.0f, -7.01955, -5 }, { -4.0f, -4.98, 0 }, { 0.0f, 0.0, 0 }, { 4.0f, 3.95, 0 },
-        { 8.0f, 7.01955, 0 }, { 12.0f, 12.0, 0 }, { 16.0f, 15.86, 0 }, { 20.0f, 19.0, 0 }, { 24.0f, 24.0, 0 },
-    };
-    constexpr int order = 16;
-    for (const auto& c : cases)
-    {
-        VoiceTestRig rig;
-        rig.set (ParameterIndex::pitch, c.position);
-        rig.set (ParameterIndex::timbre, 1.0f);
-        rig.noteOn (69);
-        rig.render ((1 << order) + 4800);
-        const auto magnitudes = listen::spectrum (rig.left, 4800, order);
-        const double binHz = 48000.0 / (1 << order);
-
-        const double carrier = 440.0 * std::pow (2.0, c.carrierOffset / 12.0);
-        const double modulator = carrier * std::pow (2.0, c.exponent / 12.0);
-        EXPECT_NEAR (listen::peakNear (magnitudes, carrier, 0.02, binHz), carrier, 0.3) << c.position;
-        EXPECT_NEAR (listen::peakNear (magnitudes, carrier + modulator, 0.01, binHz), carrier + modulator, 0.3)
-            << "position " << c.position;
-    }
-}
-
 TEST (VoicePitch, RatioSwitchOctaveDropReachesOnlyNewNotes)
 {
     // The sounding note keeps its pitch when the switch moves to a dropping position...
