@@ -3,8 +3,6 @@
 // tilt-only path with every module off, and hosts that break their promises.
 #include <gtest/gtest.h>
 
-#include <optional>
-
 #include "effects/TiltEqualiser.h"
 #include "engine/support/Listen.h"
 #include "engine/support/TestProcessor.h"
@@ -15,16 +13,13 @@ struct TempoPlayHead : juce::AudioPlayHead
 {
     juce::Optional<PositionInfo> getPosition() const override
     {
-        if (! hasPosition)
-            return {};
         PositionInfo info;
-        if (bpm)
-            info.setBpm (*bpm);
-        return info;
+        info.setBpm (bpm);
+        return hasPosition ? juce::Optional<PositionInfo> (info) : juce::nullopt;
     }
 
     bool hasPosition = true;
-    std::optional<double> bpm;
+    juce::Optional<double> bpm;
 };
 } // namespace
 
@@ -35,12 +30,12 @@ TEST (WetChain, DelayLengthFollowsTimeSyncAndTheHostTempo)
     TempoPlayHead playHead;
     p.setPlayHead (&playHead);
 
-    struct Step { float time, sync; bool hasPosition; std::optional<double> bpm; int expected; };
+    struct Step { float time, sync; bool hasPosition; juce::Optional<double> bpm; int expected; };
     const Step steps[] = {
         { 40, 1, true, 120.0, 6000 },             // "1/16" at 120 BPM: an eighth of a second
         { 2000, 1, true, 90.0, 32000 },           // "1/4" at 90 BPM
-        { 2000, 1, true, std::nullopt, 32000 },   // a position without tempo keeps the last one
-        { 2000, 1, false, std::nullopt, 24000 },  // no position at all falls back to 120
+        { 2000, 1, true, juce::nullopt, 32000 },   // a position without tempo keeps the last one
+        { 2000, 1, false, juce::nullopt, 24000 },  // no position at all falls back to 120
         { 1000, 1, true, 120.0, 9000 },           // "1/16D"
         { 40, 1, true, 999.0, 721 },              // absurdly fast host
         { 2980, 1, true, 60.0, 262143 },          // "8/4" at 60 BPM is eight seconds: held at the plane size

@@ -250,8 +250,8 @@ TEST (Stress, MidiStormsStayFiniteAndAllocationFree)
     // steal a voice, so there not even the C allocator may be called.
     struct Storm { const char* name; Stealing stealing; Events events; };
     const Storm storms[] = {
-        { "128 notes on and off in one block", Stealing::possible,
-          [] (juce::MidiBuffer& m, juce::int64 b, juce::int64, int n, juce::Random&) { if (b % 8 == 0) { allKeys (m, 1, true, 0); allKeys (m, 1, false, n - 1); } } },
+        { "128 notes on and off in one block", Stealing::possible, [] (juce::MidiBuffer& m, juce::int64 b, juce::int64, int n, juce::Random&) {
+              if (b % 8 == 0) allKeys (m, 1, true, 0), allKeys (m, 1, false, n - 1); } },
         { "128 notes held, beyond the voice count", Stealing::possible,
           [] (juce::MidiBuffer& m, juce::int64 b, juce::int64, int, juce::Random&) { if (b == 0) allKeys (m, 1, true, 0); if (b == 150) allKeys (m, 1, false, 0); } },
         { "everything at once", Stealing::possible, [] (juce::MidiBuffer& m, juce::int64 b, juce::int64, int n, juce::Random& r) {
@@ -296,14 +296,11 @@ TEST (Stress, StateRestoresAndAutomationFromAnotherThreadWhileAudioRuns)
     StressRig rig (48000.0, 512);
     rig.allStagesLoud();
     juce::Random random (4242);
+    // Eight states, a damaged one and an empty one.
     std::vector<juce::MemoryBlock> states (8);
     for (auto& state : states)
-    {
-        rig.randomiseParameters (random, 30);
-        rig.processor->getStateInformation (state);
-    }
-    states.emplace_back ("VC2!\x05\0\0\0<a/", 12); // damaged
-    states.emplace_back ();                       // empty
+        rig.randomiseParameters (random, 30), rig.processor->getStateInformation (state);
+    states.insert (states.end(), { juce::MemoryBlock ("VC2!\x05\0\0\0<a/", 12), juce::MemoryBlock() });
 
     std::atomic<bool> running { true };
     std::atomic<int> blocksRendered { 0 };
@@ -335,10 +332,7 @@ TEST (Stress, StateRestoresAndAutomationFromAnotherThreadWhileAudioRuns)
             ++restores;
         }
         else
-        {
-            rig.setNormalised (random.nextInt (numParameters), random.nextFloat());
-            ++changes;
-        }
+            rig.setNormalised (random.nextInt (numParameters), random.nextFloat()), ++changes;
         std::this_thread::yield();
     }
     running = false;

@@ -64,23 +64,15 @@ TEST (VoicePitch, VibratoSwaysAtFiveHertzAndSlowsBelowThirtyTwoKilohertz)
         rig.noteOn (81);
         rig.render ((int) rig.seconds (4.0));
 
-        // Period of each cycle from the interpolated upward zero crossings, then how often that
-        // period crosses its mean going up.
-        std::vector<double> periods;
-        double previous = -1.0;
-        for (size_t i = rig.seconds (1.0); i < rig.left.size(); ++i)
-            if (rig.left[i - 1] < 0.0f && rig.left[i] >= 0.0f)
-            {
-                const double t = (double) (i - 1) + (double) rig.left[i - 1] / ((double) rig.left[i - 1] - (double) rig.left[i]);
-                if (previous >= 0.0)
-                    periods.push_back (t - previous);
-                previous = t;
-            }
-        const double mean = std::accumulate (periods.begin(), periods.end(), 0.0) / (double) periods.size();
-        const auto [minimum, maximum] = std::minmax_element (periods.begin(), periods.end());
+        // Pitch over windows of 5 ms, then how often it crosses its mean going up.
+        std::vector<double> pitch;
+        for (size_t i = rig.seconds (1.0); i + rig.seconds (0.005) <= rig.left.size(); i += rig.seconds (0.005))
+            pitch.push_back (listen::frequency (rig.left, i, rig.seconds (0.005), c.rate));
+        const double mean = std::accumulate (pitch.begin(), pitch.end(), 0.0) / (double) pitch.size();
+        const auto [minimum, maximum] = std::minmax_element (pitch.begin(), pitch.end());
         int swings = 0;
-        for (size_t i = 1; i < periods.size(); ++i)
-            swings += (periods[i - 1] < mean && periods[i] >= mean) ? 1 : 0;
+        for (size_t i = 1; i < pitch.size(); ++i)
+            swings += (pitch[i - 1] < mean && pitch[i] >= mean) ? 1 : 0;
         EXPECT_NEAR (swings / 3.0, c.expectedHz, 0.7) << c.rate;
         // Full depth moves the pitch by several percent.
         EXPECT_GT ((*maximum - *minimum) / mean, 0.05) << c.rate;
