@@ -15,8 +15,7 @@ int main (int argc, char** argv)
     int inputs = 0;
     for (int i = 1; i < argc; ++i)
     {
-        if (argv[i][0] == '-')
-            continue;
+        // Flags name no file or folder, so they load nothing.
         const auto location = juce::File::getCurrentWorkingDirectory().getChildFile (argv[i]);
         auto files = location.isDirectory() ? location.findChildFiles (juce::File::findFiles, true) : juce::Array<juce::File> { location };
         files.sort();

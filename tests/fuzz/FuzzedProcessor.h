@@ -43,9 +43,8 @@ public:
                         fail ("non-finite output after state", "sample", buffer.getSample (ch, i));
         }
 
-        // Damaged text may carry a duplicate attribute, which the framework keeps in the tree and
-        // writes back, so the first save need not restore exactly what the damaged text gave. From
-        // the first save on, saving and restoring must be exact.
+        // Damaged text may carry a duplicate attribute, which the framework keeps and writes back, so
+        // only from the first save on must saving and restoring be exact.
         juce::MemoryBlock saved;
         p.getStateInformation (saved);
         p.setStateInformation (saved.getData(), (int) saved.getSize());

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
-// The processor under a demanding host's worst habits, with the calling thread watched: every rate
-// and awkward block size across prepare/release cycles, parameters at their ends in combination,
-// MIDI that no keyboard sends, and state restores and automation from another thread while audio
-// runs. Every case must stay finite and bounded, allocate nothing and take no more than the
-// expected locks; each prints its line, so the run's log lists every peak.
+// The processor under a demanding host's worst habits: every rate and awkward block size across
+// prepare/release cycles, parameters at their ends, MIDI that no keyboard sends, state restores and
+// automation from another thread while audio runs. Every case must stay finite and bounded, allocate
+// nothing and take no more than the expected locks; each prints its line with its peak.
 #include <gtest/gtest.h>
 
 #include <atomic>

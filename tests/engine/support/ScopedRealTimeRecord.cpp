@@ -26,12 +26,11 @@ namespace
 // Initial-exec: reaching these must not itself allocate.
 #define ONDRIVEL_TLS __attribute__ ((tls_model ("initial-exec"))) thread_local
 ONDRIVEL_TLS bool recording = false;
-ONDRIVEL_TLS std::size_t news = 0, mallocs = 0, lockCalls = 0, distinct = 0;
+ONDRIVEL_TLS std::size_t news = 0, mallocs = 0, distinct = 0;
 ONDRIVEL_TLS const void* seen[ScopedRealTimeRecord::capacity];
 
 [[maybe_unused]] void noteLock (const void* mutex)
 {
-    ++lockCalls;
     for (std::size_t i = 0; i < distinct; ++i)
         if (seen[i] == mutex)
             return;
@@ -96,7 +95,7 @@ void* operator new (std::size_t size, std::align_val_t alignment)
 
 ScopedRealTimeRecord::ScopedRealTimeRecord()
 {
-    news = mallocs = lockCalls = distinct = 0;
+    news = mallocs = distinct = 0;
     recording = true;
 }
 
@@ -105,5 +104,4 @@ ScopedRealTimeRecord::~ScopedRealTimeRecord() { recording = false; }
 std::size_t ScopedRealTimeRecord::getNews() const { return news; }
 std::size_t ScopedRealTimeRecord::getMallocs() const { return mallocs; }
 std::size_t ScopedRealTimeRecord::getDistinctMutexes() const { return distinct; }
-std::size_t ScopedRealTimeRecord::getLockCalls() const { return lockCalls; }
 bool ScopedRealTimeRecord::isActive() { return ! ONDRIVEL_ADDRESS_SANITIZER; }

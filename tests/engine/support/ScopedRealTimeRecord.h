@@ -17,9 +17,8 @@ public:
     std::size_t getNews() const;
     // C allocator calls other than those operator new made.
     std::size_t getMallocs() const;
-    // Distinct mutexes locked (up to capacity), and all lock calls.
+    // Distinct mutexes locked, up to capacity.
     std::size_t getDistinctMutexes() const;
-    std::size_t getLockCalls() const;
 
     static bool isActive();
     static constexpr std::size_t capacity = 32;

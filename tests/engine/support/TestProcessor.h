@@ -5,7 +5,6 @@
 
 #include <juce_events/juce_events.h>
 #include <memory>
-#include <stdexcept>
 #include <vector>
 
 #include "core/KestruneAudioProcessor.h"
@@ -14,7 +13,6 @@ struct TestProcessor
 {
     explicit TestProcessor (double sampleRate = 48000.0, int blockSize = 256)
     {
-        processor = std::make_unique<KestruneAudioProcessor>();
         processor->setRateAndBufferSizeDetails (sampleRate, blockSize);
         processor->prepareToPlay (sampleRate, blockSize);
     }
@@ -22,10 +20,10 @@ struct TestProcessor
     void set (std::initializer_list<std::pair<const char*, float>> values)
     {
         for (const auto& [id, value] : values)
-            if (auto* parameter = processor->parameters.getParameter (id))
-                parameter->setValueNotifyingHost (parameter->convertTo0to1 (value));
-            else
-                throw std::invalid_argument (id);
+        {
+            auto* parameter = processor->parameters.getParameter (id);
+            parameter->setValueNotifyingHost (parameter->convertTo0to1 (value));
+        }
     }
 
     // Renders `blocks` blocks with `midi` in the first one and returns the left channel.
@@ -51,5 +49,5 @@ struct TestProcessor
     }
 
     juce::ScopedJuceInitialiser_GUI gui;
-    std::unique_ptr<KestruneAudioProcessor> processor;
+    std::unique_ptr<KestruneAudioProcessor> processor = std::make_unique<KestruneAudioProcessor>();
 };
