@@ -4,34 +4,24 @@
 #include <gtest/gtest.h>
 
 #include "core/DcBlocker.h"
+#include "support/Listen.h"
 #include "support/TestProcessor.h"
-#include "voice/VoiceTestRig.h"
 
-namespace
-{
-void runBlock (KestruneAudioProcessor& p, juce::MidiBuffer& midi, int n = 256)
-{
-    juce::AudioBuffer<float> buffer (2, n);
-    buffer.clear();
-    p.processBlock (buffer, midi);
-}
-} // namespace
-
-TEST (BlockLoop, HeldNoteCountSetsThePolyphonyGainReachedOverAHundredthOfASecond)
+TEST (BlockLoop, HeldNoteCountSetsThePolyphonyGain)
 {
     TestProcessor t (48000.0, 64);
     auto& p = *t.processor;
+    using Events = std::vector<std::pair<juce::MidiMessage, int>>;
+    const auto on = [] (int note, int velocity = 90) { return juce::MidiMessage::noteOn (1, note, (juce::uint8) velocity); };
+    const auto off = [] (int note) { return juce::MidiMessage::noteOff (1, note); };
 
     // Nine notes on and off in one block; then a note-off never preceded by its note-on drives the
     // count below zero; a note-on of velocity 0 counts as a note-off; events past the block's end
     // are not counted.
-    struct Step { std::vector<std::pair<juce::MidiMessage, int>> events; int held; float target; };
-    const auto on = [] (int note, int velocity = 90) { return juce::MidiMessage::noteOn (1, note, (juce::uint8) velocity); };
-    const auto off = [] (int note) { return juce::MidiMessage::noteOff (1, note); };
-    std::vector<std::pair<juce::MidiMessage, int>> nine;
+    Events nine;
     for (int i = 0; i < 9; ++i)
         nine.insert (nine.end(), { { on (60 + i), i }, { off (60 + i), 30 + i } });
-    const Step steps[] = {
+    const std::tuple<Events, int, float> steps[] = {
         { nine, 0, 1.0f },
         { { { off (40), 0 } }, -1, 1.0f },
         { { { on (50), 10 } }, 0, 1.0f },
@@ -41,29 +31,15 @@ TEST (BlockLoop, HeldNoteCountSetsThePolyphonyGainReachedOverAHundredthOfASecond
         { { { off (53), 10 } }, 2, 0.5f },
         { { { on (52, 0), 3 }, { on (70), 100 } }, 1, 1.0f },
     };
-    for (size_t s = 0; s < std::size (steps); ++s)
+    for (const auto& [events, held, target] : steps)
     {
         juce::MidiBuffer midi;
-        for (const auto& [message, position] : steps[s].events)
+        for (const auto& [message, position] : events)
             midi.addEvent (message, position);
-        runBlock (p, midi, 64);
-        EXPECT_EQ (p.getHeldNotes(), steps[s].held) << "step " << s;
-        EXPECT_FLOAT_EQ (p.getPolyGainTarget(), steps[s].target) << "step " << s;
+        t.render (1, midi, 64);
+        EXPECT_EQ (p.getHeldNotes(), held);
+        EXPECT_FLOAT_EQ (p.getPolyGainTarget(), target) << "held " << held;
     }
-
-    // Settled at 1, then from 1 to 0.5 in 480 steps at 48 kHz, one per block.
-    juce::MidiBuffer none, second;
-    for (int i = 0; i < 480; ++i)
-        runBlock (p, none, 64);
-    second.addEvent (on (54), 0);
-    runBlock (p, second, 64);
-    ASSERT_FLOAT_EQ (p.getPolyGainTarget(), 0.5f);
-    EXPECT_NEAR (p.polyGain.getCurrent(), 1.0f - 0.5f / 480.0f, 1e-6f);
-    for (int i = 0; i < 478; ++i)
-        runBlock (p, none, 64);
-    EXPECT_GT (p.polyGain.getCurrent(), 0.5f);
-    runBlock (p, none, 64);
-    EXPECT_FLOAT_EQ (p.polyGain.getCurrent(), 0.5f);
 }
 
 TEST (BlockLoop, DcBlockerRemovesOffsetAndPassesAudio)
@@ -86,24 +62,14 @@ TEST (BlockLoop, DcBlockerRemovesOffsetAndPassesAudio)
 
 TEST (BlockLoop, PluginPlaysACleanNoteWithItsEnvelope)
 {
-    TestProcessor test (48000.0, 256);
-    auto& p = *test.processor;
+    TestProcessor t (48000.0, 256);
     // Dry path only, so the note can be judged on its own.
-    for (const auto* id : { "drywet", "reverb" })
-        p.parameters.getParameter (id)->setValueNotifyingHost (0.0f);
-
-    std::vector<float> out;
-    juce::AudioBuffer<float> buffer (2, 256);
-    for (int done = 0; done < 48000 * 2; done += 256)
-    {
-        juce::MidiBuffer midi;
-        if (done == 0)
-            midi.addEvent (juce::MidiMessage::noteOn (1, 60, (juce::uint8) 100), 0);
-        if (done == 256 * 188)
-            midi.addEvent (juce::MidiMessage::noteOff (1, 60), 0);
-        p.processBlock (buffer, midi);
-        out.insert (out.end(), buffer.getReadPointer (0), buffer.getReadPointer (0) + 256);
-    }
+    t.set ({ { "drywet", 0.0f }, { "reverb", 0.0f } });
+    auto out = t.render (188, TestProcessor::noteOn (60));
+    juce::MidiBuffer off;
+    off.addEvent (juce::MidiMessage::noteOff (1, 60), 0);
+    const auto released = t.render (188, off);
+    out.insert (out.end(), released.begin(), released.end());
 
     // Defaults: pitch -12 and no timbre, so a plain tone at the key's frequency.
     EXPECT_NEAR (listen::frequency (out, 24000, 12000, 48000.0), 440.0 * std::pow (2.0, -9.0 / 12.0), 0.2);

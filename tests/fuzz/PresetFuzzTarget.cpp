@@ -8,9 +8,7 @@
 
 extern "C" int LLVMFuzzerTestOneInput (const std::uint8_t* data, std::size_t size)
 {
-    auto& fuzzed = FuzzedProcessor::get();
-    auto& processor = fuzzed.processor();
-
+    auto& processor = FuzzedProcessor::get();
     // The manager keeps a pointer to the loaded record until the next state recall detaches it,
     // which checkAfterInput does; so the previous record can go once the next one is made.
     static std::unique_ptr<velkaro::Preset> record;
@@ -20,6 +18,6 @@ extern "C" int LLVMFuzzerTestOneInput (const std::uint8_t* data, std::size_t siz
         record = std::make_unique<velkaro::Preset> (*xml, juce::File ("/nonexistent/fuzzed.xml"));
         processor.presetManager.loadPreset (record.get());
     }
-    fuzzed.checkAfterInput();
+    FuzzedProcessor::checkAfterInput();
     return 0;
 }

@@ -28,8 +28,7 @@ inline std::unique_ptr<PluginHost> loadBuiltPlugin (double sampleRate = 48000.0,
 // What rendered blocks held: how many non-finite samples, and the peak of the finite ones.
 struct Levels
 {
-    juce::int64 blocks = 0;
-    juce::int64 nonFinite = 0;
+    juce::int64 blocks = 0, nonFinite = 0;
     float peak = 0.0f;
 
     void add (const juce::AudioBuffer<float>& block, int n)
@@ -37,13 +36,10 @@ struct Levels
         ++blocks;
         for (int ch = 0; ch < block.getNumChannels(); ++ch)
             for (int i = 0; i < n; ++i)
-            {
-                const float x = block.getSample (ch, i);
-                if (! std::isfinite (x))
+                if (const float x = block.getSample (ch, i); ! std::isfinite (x))
                     ++nonFinite;
                 else
                     peak = juce::jmax (peak, std::abs (x));
-            }
     }
 };
 
@@ -86,10 +82,9 @@ protected:
 
     juce::AudioProcessorParameter& parameter (const char* id)
     {
-        auto* p = host->findParameter (id);
-        if (p == nullptr)
-            throw std::runtime_error (std::string ("the hosted plug-in has no parameter ") + id);
-        return *p;
+        if (auto* p = host->findParameter (id))
+            return *p;
+        throw std::runtime_error (std::string ("the hosted plug-in has no parameter ") + id);
     }
 
     HostEnvironment environment;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 // ondrivel-render as users and scripts call it: bad input ends with status 2, one line on stderr and
-// no output file; notes land on the samples the command line names; state and presets load.
+// no output file; notes land on the samples the command line names; state and presets load; two
+// runs of one command give the same file.
 #include <gtest/gtest.h>
 
 #include <sys/wait.h>
@@ -10,37 +11,25 @@
 #include <juce_audio_formats/juce_audio_formats.h>
 #include <juce_audio_processors/juce_audio_processors.h>
 
-#include "core/ParameterTable.h"
-
 namespace
 {
-struct Result
-{
-    int status = -1;
-    juce::String out;
-    juce::String err;
-};
+struct Result { int status = -1; juce::String out, err; };
 
-juce::String quoted (const juce::String& arg)
-{
-    return "'" + arg.replace ("'", "'\\''") + "'";
-}
+juce::String quoted (const juce::String& arg) { return "'" + arg.replace ("'", "'\\''") + "'"; }
 
 class RendererTest : public ::testing::Test
 {
 protected:
     void SetUp() override
     {
-        folder = juce::File::getSpecialLocation (juce::File::tempDirectory)
-                     .getNonexistentChildFile ("ondrivel-render-test", "", false);
+        folder = juce::File::getSpecialLocation (juce::File::tempDirectory).getNonexistentChildFile ("ondrivel-render-test", "", false);
         ASSERT_TRUE (folder.createDirectory());
     }
     void TearDown() override { folder.deleteRecursively(); }
 
     Result run (const juce::StringArray& args, const juce::String& environment = {})
     {
-        const auto outFile = folder.getChildFile ("stdout.txt");
-        const auto errFile = folder.getChildFile ("stderr.txt");
+        const auto outFile = folder.getChildFile ("stdout.txt"), errFile = folder.getChildFile ("stderr.txt");
         juce::String command = environment + " " + quoted (ONDRIVEL_RENDER_EXE);
         for (const auto& arg : args)
             command << " " << quoted (arg);
@@ -84,27 +73,17 @@ TEST_F (RendererTest, BadInputExitsWithStatusTwoAndLeavesNoFile)
     folder.getChildFile ("other.xml").replaceWithText ("<html/>");
     folder.getChildFile ("fake.vst3").createDirectory();
 
-    struct Case
-    {
-        const char* name;
-        juce::StringArray args;
-        const char* mentions;
-    };
+    // Each case's arguments follow "--out out.wav" unless they name an output of their own.
+    struct Case { const char* name; juce::StringArray args; const char* mentions; };
     const Case cases[] = {
         { "missing plug-in", { "--plugin", "nowhere/ondrivel.vst3" }, "nowhere" },
         { "unloadable plug-in", { "--plugin", "fake.vst3" }, "fake.vst3" },
         { "unknown parameter", { "--set", "loudness=1" }, "octave, up, bp1" },
-        { "value above range", { "--set", "octave=1.5" }, "octave" },
-        { "value below range", { "--set", "time=39" }, "time" },
-        { "value not a number", { "--set", "volume=loud" }, "volume" },
+        { "value out of range", { "--set", "octave=1.5" }, "octave" },
         { "setting without value", { "--set", "volume" }, "volume" },
         { "note with three fields", { "--notes", "60:100:0" }, "60:100:0" },
         { "velocity zero", { "--notes", "60:0:0:1" }, "velocity" },
         { "note number 128", { "--notes", "128:100:0:1" }, "note number" },
-        { "negative start", { "--notes", "60:100:-1:1" }, "start" },
-        { "zero duration", { "--notes", "60:100:0:0" }, "duration" },
-        { "letters in a note", { "--notes", "C4:100:0:1" }, "C4" },
-        { "empty note in a list", { "--notes", "60:100:0:1,,62:100:0:1" }, "malformed note" },
         { "missing MIDI file", { "--midi", "absent.mid" }, "absent.mid" },
         { "unreadable MIDI file", { "--midi", "garbage.mid" }, "garbage.mid" },
         { "unparsable preset", { "--preset", "broken.xml" }, "broken.xml" },
@@ -113,37 +92,23 @@ TEST_F (RendererTest, BadInputExitsWithStatusTwoAndLeavesNoFile)
         { "zero seconds", { "--seconds", "0" }, "--seconds" },
         { "rate too low", { "--rate", "8000" }, "--rate" },
         { "block zero", { "--block", "0" }, "--block" },
-        { "tempo zero", { "--bpm", "0" }, "--bpm" },
         { "unknown option", { "--loud" }, "--loud" },
         { "option without value", { "--seconds" }, "--seconds" },
+        { "output in a missing folder", { "--out", "no/such/folder/out.wav" }, "cannot write" },
+        { "output is a folder", { "--out", "." }, "cannot write" },
     };
-
-    const auto out = folder.getChildFile ("out.wav");
     for (const auto& c : cases)
     {
-        auto args = c.args;
-        args.insert (0, "out.wav");
-        args.insert (0, "--out");
+        auto args = c.args.contains ("--out") ? juce::StringArray() : juce::StringArray { "--out", "out.wav" };
+        args.addArray (c.args);
         const auto result = run (args);
         EXPECT_EQ (result.status, 2) << c.name << ": " << result.err;
         EXPECT_TRUE (result.err.startsWith ("ondrivel-render: ")) << c.name << ": " << result.err;
         EXPECT_TRUE (result.err.contains (c.mentions)) << c.name << ": " << result.err;
         EXPECT_EQ (result.err.trimEnd().indexOfChar ('\n'), -1) << c.name << ": " << result.err;
-        EXPECT_FALSE (out.exists()) << c.name;
-        EXPECT_EQ (folder.getNumberOfChildFiles (juce::File::findFiles, "*.wav*"), 0) << c.name;
+        EXPECT_EQ (folder.findChildFiles (juce::File::findFiles, true, "*.wav*").size(), 0) << c.name;
     }
-}
-
-TEST_F (RendererTest, UnwritableOutputExitsWithStatusTwo)
-{
-    const juce::StringArray targets[] = { { "--out", "no/such/folder/out.wav" }, { "--out", "." } };
-    for (const auto& args : targets)
-    {
-        const auto result = run (args);
-        EXPECT_EQ (result.status, 2) << args[1];
-        EXPECT_TRUE (result.err.contains ("cannot write")) << result.err;
-    }
-    EXPECT_EQ (run ({}).status, 2); // no --out at all
+    EXPECT_EQ (run ({ "--seconds", "1" }).status, 2) << "no output named";
 }
 
 TEST_F (RendererTest, RendersWhenThePluginCannotCreateItsDataFolder)
@@ -154,27 +119,24 @@ TEST_F (RendererTest, RendersWhenThePluginCannotCreateItsDataFolder)
     EXPECT_TRUE (folder.getChildFile ("nohome.wav").existsAsFile());
 }
 
-TEST_F (RendererTest, RendersTheRequestedLengthAndReportsIt)
+TEST_F (RendererTest, RendersTheRequestedLengthWithTheNoteOnItsSampleAndReportsIt)
 {
+    // 0.1 s at 44100 Hz is sample 4410, inside a block of 100, so a lost offset shows.
     const auto result = run ({ "--out", "short.wav", "--seconds", "0.25", "--rate", "44100", "--block", "100",
-                               "--notes", "60:100:0:0.1", "--json" });
+                               "--notes", "60:127:0.1:0.1", "--json" });
     ASSERT_EQ (result.status, 0) << result.err;
     const auto summary = juce::JSON::parse (result.out);
     EXPECT_EQ ((int) summary["frames"], 11025);
     EXPECT_EQ ((double) summary["sampleRate"], 44100.0);
     EXPECT_EQ ((int) summary["nonFinite"], 0);
-    EXPECT_EQ (summary["peak"].size(), 2);
     EXPECT_EQ (summary["file"].toString(), folder.getChildFile ("short.wav").getFullPathName());
 
     const auto samples = read (folder.getChildFile ("short.wav"));
-    EXPECT_EQ (samples.getNumChannels(), 2);
-    EXPECT_EQ (samples.getNumSamples(), 11025);
+    ASSERT_EQ (samples.getNumChannels(), 2);
+    ASSERT_EQ (samples.getNumSamples(), 11025);
     EXPECT_FLOAT_EQ (samples.getMagnitude (0, 0, samples.getNumSamples()), (float) (double) summary["peak"][0]);
-
-    const auto text = run ({ "--out", "short.wav", "--seconds", "0.25" });
-    ASSERT_EQ (text.status, 0) << text.err;
-    EXPECT_TRUE (text.out.contains ("12000 frames")) << text.out;
-    EXPECT_TRUE (text.out.contains ("non-finite samples: 0")) << text.out;
+    EXPECT_EQ (samples.getMagnitude (0, 4410), 0.0f) << "sound before the note";
+    EXPECT_GT (samples.getMagnitude (4410, 32), 0.0f) << "the note sounds late";
 }
 
 TEST_F (RendererTest, TwoRunsOfOneCommandWriteTheSameFileWithTheReverbOn)
@@ -196,26 +158,6 @@ TEST_F (RendererTest, TwoRunsOfOneCommandWriteTheSameFileWithTheReverbOn)
     EXPECT_TRUE (first == second);
 }
 
-TEST_F (RendererTest, NoteStartsOnTheSampleItsTimeRoundsTo)
-{
-    // 0.5 s at 48 kHz is sample 24000; the render is split so that the note falls inside a block.
-    const auto result = run ({ "--out", "note.wav", "--seconds", "1", "--block", "256", "--notes", "60:127:0.5:0.4", "--json" });
-    ASSERT_EQ (result.status, 0) << result.err;
-    const auto samples = read (folder.getChildFile ("note.wav"));
-    ASSERT_EQ (samples.getNumSamples(), 48000);
-    for (int ch = 0; ch < 2; ++ch)
-        EXPECT_EQ (samples.getMagnitude (ch, 0, 24000), 0.0f) << "sound before the note, channel " << ch;
-
-    if (samples.getMagnitude (0, samples.getNumSamples()) == 0.0f)
-        GTEST_SKIP() << "the plug-in renders silence so far; the onset is checked once voices sound";
-    int first = -1;
-    for (int i = 24000; i < samples.getNumSamples() && first < 0; ++i)
-        if (samples.getSample (0, i) != 0.0f || samples.getSample (1, i) != 0.0f)
-            first = i;
-    EXPECT_GE (first, 24000);
-    EXPECT_LT (first, 24000 + 32) << "the note sounds late";
-}
-
 TEST_F (RendererTest, RepeatedNoteIsReleasedBeforeItStartsAgain)
 {
     // The first note ends on the very sample where the second starts: the release must come first,
@@ -225,8 +167,6 @@ TEST_F (RendererTest, RepeatedNoteIsReleasedBeforeItStartsAgain)
     ASSERT_EQ (result.status, 0) << result.err;
     const auto samples = read (folder.getChildFile ("again.wav"));
     ASSERT_EQ (samples.getNumSamples(), 57600);
-    if (samples.getMagnitude (0, samples.getNumSamples()) == 0.0f)
-        GTEST_SKIP() << "the plug-in renders silence so far; the order is checked once voices sound";
     EXPECT_GT (samples.getMagnitude (0, 43200, 4800), 0.0f) << "the second note was cut off";
 }
 
@@ -243,9 +183,8 @@ TEST_F (RendererTest, StateAndPresetFilesCarryTheirSettings)
         return -1.0;
     };
     ASSERT_EQ (run ({ "--out", "a.wav", "--seconds", "0.1", "--set", "time=500", "volume=0.25", "--set", "pitch=12", "--state-out", "saved.state" }).status, 0);
-    EXPECT_EQ (valueIn ("saved.state", "time"), 500.0);
-    EXPECT_EQ (valueIn ("saved.state", "volume"), 0.25);
-    EXPECT_EQ (valueIn ("saved.state", "pitch"), 12.0);
+    for (const auto& [id, value] : { std::pair { "time", 500.0 }, { "volume", 0.25 }, { "pitch", 12.0 } })
+        EXPECT_EQ (valueIn ("saved.state", id), value) << id;
     ASSERT_EQ (run ({ "--out", "b.wav", "--seconds", "0.1", "--state-in", "saved.state", "--state-out", "again.state" }).status, 0);
     EXPECT_EQ (folder.getChildFile ("again.state").loadFileAsString(), folder.getChildFile ("saved.state").loadFileAsString());
 
@@ -265,14 +204,14 @@ TEST_F (RendererTest, PlaysAStandardMidiFile)
     juce::MidiFile file;
     file.setTicksPerQuarterNote (480);
     file.addTrack (track);
-    {
-        juce::FileOutputStream stream (folder.getChildFile ("phrase.mid"));
-        ASSERT_TRUE (file.writeTo (stream));
-    }
+    juce::FileOutputStream stream (folder.getChildFile ("phrase.mid"));
+    ASSERT_TRUE (file.writeTo (stream));
+    stream.flush();
     const auto result = run ({ "--out", "m.wav", "--seconds", "1", "--midi", "phrase.mid" });
     ASSERT_EQ (result.status, 0) << result.err;
     const auto samples = read (folder.getChildFile ("m.wav"));
     ASSERT_EQ (samples.getNumSamples(), 48000);
     // The note starts at a quarter note, 0.5 s.
     EXPECT_EQ (samples.getMagnitude (0, 24000), 0.0f);
+    EXPECT_GT (samples.getMagnitude (24000, 4800), 0.0f);
 }

@@ -2,7 +2,8 @@
 // Tilt equaliser: its response over the range against a band-pass of two first-order corners.
 #include <gtest/gtest.h>
 
-#include "DelayRig.h"
+#include "effects/TiltEqualiser.h"
+#include "engine/support/Listen.h"
 
 TEST (TiltEqualiser, ResponseFollowsItsCornersFromLowsToHighs)
 {
@@ -21,7 +22,7 @@ TEST (TiltEqualiser, ResponseFollowsItsCornersFromLowsToHighs)
                 x[i] = (float) std::sin (2.0 * M_PI * hz * (double) i / 48000.0);
                 y[i] = tilt.processSample (1, x[i]);
             }
-            const double measuredDb = 10.0 * std::log10 (energy (y, 48000) / energy (x, 48000));
+            const double measuredDb = 10.0 * std::log10 (listen::energy (y, 48000) / listen::energy (x, 48000));
             const double low = hz / c.lowCornerHz, high = hz / c.highCornerHz;
             const double modelDb = 10.0 * std::log10 (low * low / (1.0 + low * low) / (1.0 + high * high));
             EXPECT_NEAR (measuredDb, modelDb, hz >= 5000.0 ? 1.0 : 0.3) << "tilt " << c.tilt << " at " << hz << " Hz";

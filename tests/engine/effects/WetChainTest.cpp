@@ -3,9 +3,8 @@
 // tilt-only path with every module off, and hosts that break their promises.
 #include <gtest/gtest.h>
 
-#include <optional>
-
-#include "DelayRig.h"
+#include "effects/TiltEqualiser.h"
+#include "engine/support/Listen.h"
 #include "engine/support/TestProcessor.h"
 
 namespace
@@ -14,83 +13,50 @@ struct TempoPlayHead : juce::AudioPlayHead
 {
     juce::Optional<PositionInfo> getPosition() const override
     {
-        if (! hasPosition)
-            return {};
         PositionInfo info;
-        if (bpm)
-            info.setBpm (*bpm);
-        return info;
+        info.setBpm (bpm);
+        return hasPosition ? juce::Optional<PositionInfo> (info) : juce::nullopt;
     }
 
     bool hasPosition = true;
-    std::optional<double> bpm;
+    juce::Optional<double> bpm;
 };
-
-using Settings = std::initializer_list<std::pair<const char*, float>>;
-
-void set (KestruneAudioProcessor& p, Settings settings)
-{
-    for (const auto& [id, value] : settings)
-    {
-        auto* parameter = p.parameters.getParameter (id);
-        ASSERT_NE (parameter, nullptr) << id;
-        parameter->setValueNotifyingHost (parameter->convertTo0to1 (value));
-    }
-}
-
-// Plays one note from the first block on and returns the left output, all of it finite.
-std::vector<float> renderNote (KestruneAudioProcessor& p, int blocks, int blockSize = 256)
-{
-    std::vector<float> left;
-    juce::AudioBuffer<float> buffer (2, blockSize);
-    for (int b = 0; b < blocks; ++b)
-    {
-        juce::MidiBuffer midi;
-        if (b == 0)
-            midi.addEvent (juce::MidiMessage::noteOn (1, 57, (juce::uint8) 100), 0);
-        buffer.clear();
-        p.processBlock (buffer, midi);
-        for (int ch = 0; ch < 2; ++ch)
-            EXPECT_TRUE (std::all_of (buffer.getReadPointer (ch), buffer.getReadPointer (ch) + blockSize, [] (float v) { return std::isfinite (v); }))
-                << "block " << b;
-        left.insert (left.end(), buffer.getReadPointer (0), buffer.getReadPointer (0) + blockSize);
-    }
-    return left;
-}
-
-const Settings plainWetChain = { { "bp1", 0.0f }, { "bp2", 0.0f }, { "bp3", 0.0f }, { "reverb", 0.0f }, { "flangerit", 0.0f } };
 } // namespace
 
-TEST (WetChain, SyncedDelayFollowsTheHostTempo)
+TEST (WetChain, DelayLengthFollowsTimeSyncAndTheHostTempo)
 {
     TestProcessor t (48000.0, 256);
     auto& p = *t.processor;
     TempoPlayHead playHead;
     p.setPlayHead (&playHead);
-    set (p, { { "sync", 1.0f }, { "time", 2000.0f } }); // "1/4"
 
-    struct Step { bool hasPosition; std::optional<double> bpm; int expected; };
+    struct Step { float time, sync; bool hasPosition; juce::Optional<double> bpm; int expected; };
     const Step steps[] = {
-        { true, 120.0, 24000 },
-        { true, 90.0, 32000 },
-        { true, std::nullopt, 32000 },  // a position without tempo keeps the last one
-        { false, std::nullopt, 24000 }, // no position at all falls back to 120
+        { 40, 1, true, 120.0, 6000 },             // "1/16" at 120 BPM: an eighth of a second
+        { 2000, 1, true, 90.0, 32000 },           // "1/4" at 90 BPM
+        { 2000, 1, true, juce::nullopt, 32000 },   // a position without tempo keeps the last one
+        { 2000, 1, false, juce::nullopt, 24000 },  // no position at all falls back to 120
+        { 1000, 1, true, 120.0, 9000 },           // "1/16D"
+        { 40, 1, true, 999.0, 721 },              // absurdly fast host
+        { 2980, 1, true, 60.0, 262143 },          // "8/4" at 60 BPM is eight seconds: held at the plane size
+        { 2980, 1, true, 0.0, 262143 },           // a host reporting 0 BPM
+        { 2980, 1, true, -5.0, 4 },               // or a negative tempo
+        { 2980, 0, true, 120.0, 143040 },         // unsynced: plain milliseconds
     };
-    juce::AudioBuffer<float> buffer (2, 256);
     for (const auto& s : steps)
     {
+        t.set ({ { "time", s.time }, { "sync", s.sync } });
         playHead.hasPosition = s.hasPosition;
         playHead.bpm = s.bpm;
-        juce::MidiBuffer midi;
-        p.processBlock (buffer, midi);
-        EXPECT_EQ (p.blockDelay.getBlockLength(), s.expected) << (s.bpm ? *s.bpm : -1.0);
+        t.render (1);
+        EXPECT_EQ (p.blockDelay.getBlockLength(), s.expected) << s.time << " ms, sync " << s.sync << ", " << (s.bpm ? *s.bpm : -1.0) << " BPM";
     }
     p.setPlayHead (nullptr);
 }
 
 TEST (WetChain, EveryWetChainControlChangesTheSound)
 {
-    const Settings base = {
+    const std::initializer_list<std::pair<const char*, float>> base = {
         { "bp1", 0.0f }, { "bp2", 1.0f }, { "bp3", 1.0f }, { "pre", 1.0f }, { "time", 100.0f }, { "sync", 0.0f },
         { "fmit", 0.0f }, { "squeezeit", 0.0f }, { "fdbk", 0.5f }, { "envms", 5.0f }, { "revmix", 0.8f }, { "rev", 1.0f },
         { "rate", 1.0f }, { "flangerit", 0.5f }, { "tilt", 0.0f }, { "drywet", 0.8f }, { "reverb", 0.0f },
@@ -98,13 +64,13 @@ TEST (WetChain, EveryWetChainControlChangesTheSound)
     auto render = [&] (const char* changedId, float changedValue)
     {
         TestProcessor t;
-        set (*t.processor, base);
+        t.set (base);
         if (changedId != nullptr)
-            set (*t.processor, { { changedId, changedValue } });
-        return renderNote (*t.processor, 60); // a little over three delay blocks
+            t.set ({ { changedId, changedValue } });
+        return t.render (60, TestProcessor::noteOn (57)); // a little over three delay blocks
     };
     const auto reference = render (nullptr, 0.0f);
-    ASSERT_GT (energy (reference), 0.0);
+    ASSERT_GT (listen::energy (reference), 0.0);
 
     const std::pair<const char*, float> changes[] = {
         { "time", 60.0f }, { "sync", 1.0f }, { "fmit", 300.0f }, { "squeezeit", 500.0f }, { "squeezeit", -500.0f },
@@ -117,7 +83,7 @@ TEST (WetChain, EveryWetChainControlChangesTheSound)
         double difference = 0.0;
         for (size_t i = 0; i < reference.size(); ++i)
             difference += std::pow ((double) changed[i] - reference[i], 2.0);
-        EXPECT_GT (difference, 1e-4 * energy (reference)) << id << " = " << value;
+        EXPECT_GT (difference, 1e-4 * listen::energy (reference)) << id << " = " << value;
     }
 }
 
@@ -132,17 +98,16 @@ TEST (WetChain, WithEveryModuleOffTheWetPathIsTheTiltOnly)
         for (int wet = 0; wet < 2; ++wet)
         {
             TestProcessor t;
-            set (*t.processor, plainWetChain);
-            set (*t.processor, { { "tilt", tiltValue }, { "drywet", (float) wet } });
-            rendered[wet] = renderNote (*t.processor, 40);
+            t.set ({ { "bp1", 0 }, { "bp2", 0 }, { "bp3", 0 }, { "reverb", 0 }, { "flangerit", 0 }, { "tilt", tiltValue }, { "drywet", (float) wet } });
+            rendered[wet] = t.render (40, TestProcessor::noteOn (57));
         }
         TiltEqualiser reference;
         reference.setupBlock (tiltValue, 48000.0);
         double error = 0.0;
         for (size_t i = 0; i < rendered[0].size(); ++i)
             error += std::pow ((double) reference.processSample (0, rendered[0][i]) - rendered[1][i], 2.0);
-        ASSERT_GT (energy (rendered[1]), 0.0);
-        EXPECT_LT (error, 1e-8 * energy (rendered[1]));
+        ASSERT_GT (listen::energy (rendered[1]), 0.0);
+        EXPECT_LT (error, 1e-8 * listen::energy (rendered[1]));
     }
 }
 
@@ -155,11 +120,12 @@ TEST (WetChain, LongestDelayReplaysUnderBlocksLongerThanPrepared)
     TempoPlayHead playHead;
     playHead.bpm = 1.0;
     p.setPlayHead (&playHead);
-    set (p, { { "bp2", 1.0f }, { "bp3", 1.0f }, { "pre", 1.0f }, { "sync", 1.0f }, { "time", 2980.0f }, { "fmit", 1400.0f },
-              { "squeezeit", 1000.0f }, { "fdbk", 0.98f }, { "rate", 10.0f }, { "flangerit", -1.0f }, { "tilt", 1.0f },
-              { "drywet", 1.0f } });
-    const auto out = renderNote (p, (2 * BlockDelay::maxBlockLength + 4096) / 1000 + 1, 1000);
+    t.set ({ { "bp2", 1.0f }, { "bp3", 1.0f }, { "pre", 1.0f }, { "sync", 1.0f }, { "time", 2980.0f }, { "fmit", 1400.0f },
+            { "squeezeit", 1000.0f }, { "fdbk", 0.98f }, { "rate", 10.0f }, { "flangerit", -1.0f }, { "tilt", 1.0f },
+            { "drywet", 1.0f } });
+    const auto out = t.render ((2 * BlockDelay::maxBlockLength + 4096) / 1000 + 1, TestProcessor::noteOn (57), 1000);
+    EXPECT_TRUE (listen::allFinite (out));
     EXPECT_EQ (p.blockDelay.getBlockLength(), BlockDelay::maxBlockLength);
-    EXPECT_GT (energy (out, 2 * BlockDelay::maxBlockLength - 48000, 2 * BlockDelay::maxBlockLength), 0.0);
+    EXPECT_GT (listen::energy (out, 2 * BlockDelay::maxBlockLength - 48000, 2 * BlockDelay::maxBlockLength), 0.0);
     p.setPlayHead (nullptr);
 }

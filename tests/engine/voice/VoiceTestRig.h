@@ -1,18 +1,17 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 // A bare juce::Synthesiser with the plug-in's voices, fed parameter values the way the processor
-// feeds them, plus the measurements the voice tests listen with.
+// feeds them.
 #pragma once
 
 #include <array>
 #include <atomic>
 #include <cmath>
-#include <stdexcept>
 #include <vector>
 
 #include <juce_audio_basics/juce_audio_basics.h>
-#include <juce_dsp/juce_dsp.h>
 
 #include "core/ParameterTable.h"
+#include "engine/support/Listen.h"
 #include "voice/SynthSound.h"
 #include "voice/SynthVoice.h"
 
@@ -26,11 +25,9 @@ struct VoiceTestRig
             pointers[(size_t) row.index] = &storage[(size_t) row.index];
         }
         // A plain, steady tone unless a test asks otherwise.
-        set (ParameterIndex::pitch, 0.0f);
-        set (ParameterIndex::attack, 0.0f);
-        set (ParameterIndex::decay, 0.0f);
-        set (ParameterIndex::sustain, 1.0f);
-        set (ParameterIndex::release, 0.0f);
+        for (const auto& [index, value] : { std::pair { ParameterIndex::pitch, 0.0f }, { ParameterIndex::attack, 0.0f }, { ParameterIndex::decay, 0.0f },
+                                           { ParameterIndex::sustain, 1.0f }, { ParameterIndex::release, 0.0f } })
+            set (index, value);
 
         synth.addSound (new SynthSound());
         for (int i = 0; i < numVoices; ++i)
@@ -86,95 +83,3 @@ struct VoiceTestRig
     juce::MidiBuffer pending;
     std::vector<float> left, right;
 };
-
-namespace listen
-{
-// A window past the end of the render is a mistake in the test, not a measurement.
-inline void checkWindow (const std::vector<float>& x, size_t start, size_t length)
-{
-    if (start + length > x.size())
-        throw std::out_of_range ("window past the end of the rendered audio");
-}
-
-inline double rms (const std::vector<float>& x, size_t start, size_t length)
-{
-    checkWindow (x, start, length);
-    double sum = 0.0;
-    for (size_t i = start; i < start + length; ++i)
-        sum += (double) x[i] * x[i];
-    return std::sqrt (sum / (double) length);
-}
-
-// Frequency from the upward zero crossings, interpolated between samples.
-inline double frequency (const std::vector<float>& x, size_t start, size_t length, double sampleRate)
-{
-    checkWindow (x, start, length);
-    double first = -1.0, last = -1.0;
-    int crossings = 0;
-    for (size_t i = start + 1; i < start + length; ++i)
-    {
-        if (x[i - 1] < 0.0f && x[i] >= 0.0f)
-        {
-            const double t = (double) (i - 1) + (double) x[i - 1] / ((double) x[i - 1] - (double) x[i]);
-            if (first < 0.0)
-                first = t;
-            last = t;
-            ++crossings;
-        }
-    }
-    return crossings > 1 ? (crossings - 1) * sampleRate / (last - first) : 0.0;
-}
-
-// Share of the energy that a sinusoid at `hz` (plus a constant) cannot explain: 0 for a pure tone.
-inline double impurity (const std::vector<float>& x, size_t start, size_t length, double hz, double sampleRate)
-{
-    checkWindow (x, start, length);
-    double ss = 0, sc = 0, s1 = 0, cc = 0, c1 = 0, n = 0, xs = 0, xc = 0, x1 = 0, total = 0;
-    for (size_t i = start; i < start + length; ++i)
-    {
-        const double w = 2.0 * juce::MathConstants<double>::pi * hz * (double) i / sampleRate;
-        const double s = std::sin (w), c = std::cos (w), v = x[i];
-        ss += s * s; sc += s * c; s1 += s; cc += c * c; c1 += c; n += 1.0;
-        xs += v * s; xc += v * c; x1 += v; total += v * v;
-    }
-    // Solve the 3x3 normal equations by Cramer's rule.
-    const double det = ss * (cc * n - c1 * c1) - sc * (sc * n - c1 * s1) + s1 * (sc * c1 - cc * s1);
-    const double a = (xs * (cc * n - c1 * c1) - sc * (xc * n - c1 * x1) + s1 * (xc * c1 - cc * x1)) / det;
-    const double b = (ss * (xc * n - c1 * x1) - xs * (sc * n - c1 * s1) + s1 * (sc * x1 - xc * s1)) / det;
-    const double k = (ss * (cc * x1 - xc * c1) - sc * (sc * x1 - xc * s1) + xs * (sc * c1 - cc * s1)) / det;
-    double residual = 0.0;
-    for (size_t i = start; i < start + length; ++i)
-    {
-        const double w = 2.0 * juce::MathConstants<double>::pi * hz * (double) i / sampleRate;
-        const double e = (double) x[i] - (a * std::sin (w) + b * std::cos (w) + k);
-        residual += e * e;
-    }
-    return total > 0.0 ? residual / total : 0.0;
-}
-
-// Magnitude spectrum (Hann window) of 2^order samples; bin k is k * sampleRate / 2^order Hz.
-inline std::vector<float> spectrum (const std::vector<float>& x, size_t start, int order)
-{
-    const int size = 1 << order;
-    checkWindow (x, start, (size_t) size);
-    std::vector<float> data ((size_t) size * 2, 0.0f);
-    for (int i = 0; i < size; ++i)
-        data[(size_t) i] = x[start + (size_t) i] * (0.5f - 0.5f * std::cos (2.0f * juce::MathConstants<float>::pi * (float) i / (float) size));
-    juce::dsp::FFT (order).performFrequencyOnlyForwardTransform (data.data());
-    data.resize ((size_t) size / 2);
-    return data;
-}
-
-// The frequency of the strongest bin within a relative window around `hz`, refined by a parabola.
-inline double peakNear (const std::vector<float>& magnitudes, double hz, double window, double binHz)
-{
-    const auto lo = (size_t) (hz * (1.0 - window) / binHz), hi = (size_t) (hz * (1.0 + window) / binHz);
-    size_t best = lo;
-    for (size_t k = lo; k <= hi; ++k)
-        if (magnitudes[k] > magnitudes[best])
-            best = k;
-    const double a = magnitudes[best - 1], b = magnitudes[best], c = magnitudes[best + 1];
-    const double offset = 0.5 * (a - c) / (a - 2.0 * b + c);
-    return ((double) best + offset) * binHz;
-}
-} // namespace listen
