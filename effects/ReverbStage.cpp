@@ -34,7 +34,9 @@ void ReverbStage::prepare (double sampleRate)
     rightNetwork = std::make_unique<FdnReverb> (lineCapacity, draws + FdnReverb::numLines);
 
     preDelay.prepare ({ sampleRate, 1, 1 });
-    preDelay.setMaximumDelayInSamples ((int) sampleRate);
+    // The line holds the 40 ms it reads and no more: a longer one gives the same samples, costs memory
+    // and keeps the stage awake for as long as it takes to run empty.
+    preDelay.setMaximumDelayInSamples ((int) (rate * 40.0 / 1000.0) + 1);
     // setDelay clamps to what the line can hold.
     preDelay.setDelay ((float) (rate * 40.0 / 1000.0));
     // Once this many zeros have gone in, the line holds nothing else.
