@@ -77,6 +77,8 @@ void Octaver::prepare (double sampleRate, int samplesPerBlock)
     outputAccumulator.fill (0.0f);
     anaFreq.fill (0.0f);
     anaMagn.fill (0.0f);
+    phasePending.fill (false);
+    binUseRatio = 0.0f;
     zeroRun = frameSize;
     silentFrames = restingFrames;
     silentStepRatio = 0.0f;
@@ -192,11 +194,30 @@ void Octaver::processFrame() noexcept
 
     fft (ws, frameSize, -1);
 
+    if (! juce::exactlyEqual (binUseRatio, ratio))
+        updateBinUse();
+
     for (long k = 0; k <= halfFrame; ++k)
     {
         const double re = ws[2 * k];
         const double im = ws[2 * k + 1];
         const double magnitude = 2.0 * std::sqrt (re * re + im * im);
+        anaMagn[(size_t) k] = (float) magnitude;
+
+        // A frequency nothing reads needs no phase yet: the bins wait for the frame that does.
+        if (! binUsed[(size_t) k])
+        {
+            pendingRe[(size_t) k] = ws[2 * k];
+            pendingIm[(size_t) k] = ws[2 * k + 1];
+            phasePending[(size_t) k] = true;
+            continue;
+        }
+        if (phasePending[(size_t) k])
+        {
+            lastPhase[(size_t) k] = (float) std::atan2 ((double) pendingIm[(size_t) k], (double) pendingRe[(size_t) k]);
+            phasePending[(size_t) k] = false;
+        }
+
         const double phase = std::atan2 (im, re);
 
         double d = phase - lastPhase[(size_t) k] - (double) k * expectedPhaseStep;
@@ -211,7 +232,6 @@ void Octaver::processFrame() noexcept
         d = d - pi * (double) q;
 
         anaFreq[(size_t) k] = (float) (binFrequency * (d * (double) oversampling / (2.0 * pi)) + binFrequency * (double) k);
-        anaMagn[(size_t) k] = (float) magnitude;
     }
 
     // Only the bins up to half the frame are ever written or read.
@@ -234,6 +254,14 @@ void Octaver::processFrame() noexcept
         phaseStep[(size_t) k] = d;
         sumPhase[(size_t) k] = (float) (d + sumPhase[(size_t) k]);
         const double phase = sumPhase[(size_t) k];
+        // An empty bin gives zeros whatever its phase; a zero's sign never reaches the output, as the
+        // overlap-add starts from +0 and adds.
+        if (juce::exactlyEqual (synMagn[(size_t) k], 0.0f) && std::isfinite (phase))
+        {
+            ws[2 * k] = 0.0f;
+            ws[2 * k + 1] = 0.0f;
+            continue;
+        }
         ws[2 * k] = (float) (synMagn[(size_t) k] * std::cos (phase));
         ws[2 * k + 1] = (float) (synMagn[(size_t) k] * std::sin (phase));
     }
@@ -249,4 +277,22 @@ void Octaver::processFrame() noexcept
     std::copy (outputAccumulator.begin(), outputAccumulator.begin() + hop, outFifo.begin());
     std::copy (outputAccumulator.begin() + hop, outputAccumulator.begin() + hop + frameSize, outputAccumulator.begin());
     std::copy (inFifo.begin() + hop, inFifo.begin() + frameSize, inFifo.begin());
+}
+
+void Octaver::updateBinUse() noexcept
+{
+    binUseRatio = ratio;
+    auto& lastSource = binSource;
+    lastSource.fill (-1);
+    for (long k = 0; k <= halfFrame; ++k)
+    {
+        const long index = (long) (ratio * (float) k);
+        if (index >= 0 && index <= halfFrame)
+            lastSource[(size_t) index] = k;
+    }
+    for (long k = 0; k <= halfFrame; ++k)
+    {
+        const long index = (long) (ratio * (float) k);
+        binUsed[(size_t) k] = index >= 0 && index <= halfFrame && lastSource[(size_t) index] == k;
+    }
 }

@@ -36,6 +36,7 @@ public:
 private:
     void processChunk (juce::AudioBuffer<float>& wet, int start, int numSamples, float mix) noexcept;
     void processFrame() noexcept;
+    void updateBinUse() noexcept;
 
     std::array<float, maxFrameSize> inFifo {};
     std::array<float, maxFrameSize> outFifo {};
@@ -47,6 +48,16 @@ private:
     std::array<float, maxFrameSize> anaMagn {};
     std::array<float, maxFrameSize> synFreq {};
     std::array<float, maxFrameSize> synMagn {};
+
+    // Whether a bin's frequency reaches the synthesis at `binUseRatio` (its index lands inside the
+    // half frame and no later bin lands on the same index). An unused bin keeps its last bins instead
+    // of their phase; the phase is taken from them when a frame needs it.
+    std::array<bool, maxFrameSize / 2 + 1> binUsed {};
+    std::array<bool, maxFrameSize / 2 + 1> phasePending {};
+    std::array<float, maxFrameSize / 2 + 1> pendingRe {};
+    std::array<float, maxFrameSize / 2 + 1> pendingIm {};
+    float binUseRatio = 0.0f;
+    std::array<long, maxFrameSize / 2 + 1> binSource {}; // the last bin landing on each index
 
     // The synthesis phase step of each bin in the last frame; a silent frame repeats it.
     std::array<double, maxFrameSize / 2 + 1> phaseStep {};
