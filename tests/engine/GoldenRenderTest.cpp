@@ -89,6 +89,9 @@ TEST (GoldenRender, EveryModuleRateAndBlockSizeRendersTheRecordedBits)
     const Case cases[] = {
         { "voices alone", 48000, 256, dryVoices, chord, 0.5, 0x1b56ac5e2a0f94edull },
         { "voice colour, folder", 44100, 7, with (voiceColour, { { I::ws, 1.0f } }), stealing, 0.6, 0xcdb11fd6b7bec522ull },
+        { "voice colour switched off and on", 48000, 256, voiceColour, stealing, 1.0, 0xf7364671714ea16eull,
+          { { 0.1, { I::noise, 0.0f } }, { 0.2, { I::timbre, 0.0f } }, { 0.25, { I::envmod, 0.0f } }, { 0.5, { I::noise, 0.3f } },
+            { 0.55, { I::timbre, 0.7f } }, { 0.7, { I::noise, 0.0f } } } },
         { "default patch stealing", 48000, 256, {}, stealing, 0.7, 0x3cd055c43856376aull },
         { "octaver down", 48000, 256, with (dryVoices, { { I::bp1, 1.0f }, { I::octave, 0.7f } }), chord, 0.5, 0x62943029a4d9926full },
         { "octaver up, long blocks", 96000, 4096, with (dryVoices, { { I::bp1, 1.0f }, { I::up, 1.0f } }), stealing, 0.5, 0xe6314f48e1029f8bull },
