@@ -197,15 +197,19 @@ void Octaver::processFrame() noexcept
     if (! juce::exactlyEqual (binUseRatio, ratio))
         updateBinUse();
 
-    for (long k = 0; k <= halfFrame; ++k)
+    // Passes without calls run as vectors: magnitudes first, then the phases of the bins that need one.
+    const int bins = (int) halfFrame + 1;
+    for (int k = 0; k < bins; ++k)
     {
         const double re = ws[2 * k];
         const double im = ws[2 * k + 1];
-        const double magnitude = 2.0 * std::sqrt (re * re + im * im);
-        anaMagn[(size_t) k] = (float) magnitude;
+        anaMagn[(size_t) k] = (float) (2.0 * std::sqrt (re * re + im * im));
+    }
 
+    for (int k = 0; k < bins; ++k)
+    {
         // A frequency nothing reads needs no phase yet: the bins wait for the frame that does.
-        if (! binUsed[(size_t) k])
+        if (binTarget[(size_t) k] < 0)
         {
             pendingRe[(size_t) k] = ws[2 * k];
             pendingIm[(size_t) k] = ws[2 * k + 1];
@@ -218,7 +222,7 @@ void Octaver::processFrame() noexcept
             phasePending[(size_t) k] = false;
         }
 
-        const double phase = std::atan2 (im, re);
+        const double phase = std::atan2 ((double) ws[2 * k + 1], (double) ws[2 * k]);
 
         double d = phase - lastPhase[(size_t) k] - (double) k * expectedPhaseStep;
         lastPhase[(size_t) k] = (float) phase;
@@ -234,25 +238,29 @@ void Octaver::processFrame() noexcept
         anaFreq[(size_t) k] = (float) (binFrequency * (d * (double) oversampling / (2.0 * pi)) + binFrequency * (double) k);
     }
 
-    // Only the bins up to half the frame are ever written or read.
-    std::fill (synMagn.begin(), synMagn.begin() + halfFrame + 1, 0.0f);
-    std::fill (synFreq.begin(), synFreq.begin() + halfFrame + 1, 0.0f);
-    for (long k = 0; k <= halfFrame; ++k)
+    // Only the bins up to half the frame are ever written or read. Every bin's magnitude lands on its
+    // index; the frequency only from the last bin there, the one binTarget names.
+    std::fill (synMagn.begin(), synMagn.begin() + bins, 0.0f);
+    std::fill (synFreq.begin(), synFreq.begin() + bins, 0.0f);
+    for (int k = 0; k < bins; ++k)
     {
-        const long index = (long) (ratio * (float) k);
-        if (index >= 0 && index <= halfFrame)
-        {
+        const long index = binIndex[(size_t) k];
+        if (index >= 0)
             synMagn[(size_t) index] += anaMagn[(size_t) k];
-            synFreq[(size_t) index] = anaFreq[(size_t) k] * ratio;
-        }
+        if (binTarget[(size_t) k] >= 0)
+            synFreq[(size_t) binTarget[(size_t) k]] = anaFreq[(size_t) k] * ratio;
     }
 
-    for (long k = 0; k <= halfFrame; ++k)
+    for (int k = 0; k < bins; ++k)
     {
-        double d = ((synFreq[(size_t) k] - binFrequency * (double) k) / binFrequency) * 2.0 * pi / (double) oversampling
-                   + expectedPhaseStep * (double) k;
+        const double d = ((synFreq[(size_t) k] - binFrequency * (double) k) / binFrequency) * 2.0 * pi / (double) oversampling
+                         + expectedPhaseStep * (double) k;
         phaseStep[(size_t) k] = d;
         sumPhase[(size_t) k] = (float) (d + sumPhase[(size_t) k]);
+    }
+
+    for (int k = 0; k < bins; ++k)
+    {
         const double phase = sumPhase[(size_t) k];
         // An empty bin gives zeros whatever its phase; a zero's sign never reaches the output, as the
         // overlap-add starts from +0 and adds.
@@ -287,12 +295,14 @@ void Octaver::updateBinUse() noexcept
     for (long k = 0; k <= halfFrame; ++k)
     {
         const long index = (long) (ratio * (float) k);
-        if (index >= 0 && index <= halfFrame)
+        const bool inside = index >= 0 && index <= halfFrame;
+        binIndex[(size_t) k] = inside ? index : -1;
+        if (inside)
             lastSource[(size_t) index] = k;
     }
     for (long k = 0; k <= halfFrame; ++k)
     {
-        const long index = (long) (ratio * (float) k);
-        binUsed[(size_t) k] = index >= 0 && index <= halfFrame && lastSource[(size_t) index] == k;
+        const long index = binIndex[(size_t) k];
+        binTarget[(size_t) k] = index >= 0 && lastSource[(size_t) index] == k ? index : -1;
     }
 }

@@ -49,10 +49,11 @@ private:
     std::array<float, maxFrameSize> synFreq {};
     std::array<float, maxFrameSize> synMagn {};
 
-    // Whether a bin's frequency reaches the synthesis at `binUseRatio` (its index lands inside the
-    // half frame and no later bin lands on the same index). An unused bin keeps its last bins instead
-    // of their phase; the phase is taken from them when a frame needs it.
-    std::array<bool, maxFrameSize / 2 + 1> binUsed {};
+    // Where each bin lands at `binUseRatio`. A bin's frequency is kept only where its index lies inside
+    // the half frame and no later bin lands on it; a bin whose frequency is not kept holds its last
+    // values instead of their phase, and the phase is taken from them when a frame needs it.
+    std::array<long, maxFrameSize / 2 + 1> binIndex {};  // the synthesis index of each bin, or -1
+    std::array<long, maxFrameSize / 2 + 1> binTarget {}; // that index where the bin's frequency is kept, or -1
     std::array<bool, maxFrameSize / 2 + 1> phasePending {};
     std::array<float, maxFrameSize / 2 + 1> pendingRe {};
     std::array<float, maxFrameSize / 2 + 1> pendingIm {};
