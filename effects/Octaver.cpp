@@ -239,14 +239,14 @@ void Octaver::processFrame() noexcept
     }
 
     // Only the bins up to half the frame are ever written or read. Every bin's magnitude lands on its
-    // index; the frequency only from the last bin there, the one binTarget names.
-    std::fill (synMagn.begin(), synMagn.begin() + bins, 0.0f);
-    std::fill (synFreq.begin(), synFreq.begin() + bins, 0.0f);
+    // index, the first one there on the zero it would be added to (0 + m is m for a magnitude); the
+    // frequency only from the last bin there, the one binTarget names. Indices no bin reaches stay at
+    // the zeros updateBinUse left.
     for (int k = 0; k < bins; ++k)
     {
         const long index = binIndex[(size_t) k];
         if (index >= 0)
-            synMagn[(size_t) index] += anaMagn[(size_t) k];
+            synMagn[(size_t) index] = binFirst[(size_t) k] ? anaMagn[(size_t) k] : synMagn[(size_t) index] + anaMagn[(size_t) k];
         if (binTarget[(size_t) k] >= 0)
             synFreq[(size_t) binTarget[(size_t) k]] = anaFreq[(size_t) k] * ratio;
     }
@@ -292,11 +292,14 @@ void Octaver::updateBinUse() noexcept
     binUseRatio = ratio;
     auto& lastSource = binSource;
     lastSource.fill (-1);
+    std::fill (synMagn.begin(), synMagn.begin() + halfFrame + 1, 0.0f);
+    std::fill (synFreq.begin(), synFreq.begin() + halfFrame + 1, 0.0f);
     for (long k = 0; k <= halfFrame; ++k)
     {
         const long index = (long) (ratio * (float) k);
         const bool inside = index >= 0 && index <= halfFrame;
         binIndex[(size_t) k] = inside ? index : -1;
+        binFirst[(size_t) k] = inside && lastSource[(size_t) index] < 0;
         if (inside)
             lastSource[(size_t) index] = k;
     }

@@ -53,7 +53,8 @@ private:
     // the half frame and no later bin lands on it; a bin whose frequency is not kept holds its last
     // values instead of their phase, and the phase is taken from them when a frame needs it.
     std::array<long, maxFrameSize / 2 + 1> binIndex {};  // the synthesis index of each bin, or -1
-    std::array<long, maxFrameSize / 2 + 1> binTarget {}; // that index where the bin's frequency is kept, or -1
+    std::array<long, maxFrameSize / 2 + 1> binTarget {};
+    std::array<bool, maxFrameSize / 2 + 1> binFirst {};  // the first bin landing on its index // that index where the bin's frequency is kept, or -1
     std::array<bool, maxFrameSize / 2 + 1> phasePending {};
     std::array<float, maxFrameSize / 2 + 1> pendingRe {};
     std::array<float, maxFrameSize / 2 + 1> pendingIm {};
