@@ -13,6 +13,7 @@
 #include "core/ParameterTable.h"
 #include "core/PolyGain.h"
 #include "effects/BlockDelay.h"
+#include "effects/Flanger.h"
 #include "effects/Octaver.h"
 #include "effects/ReverbStage.h"
 #include "effects/TiltEqualiser.h"
@@ -87,7 +88,7 @@ public:
     double hostBpm = 120.0;
     double currentSampleRate = 48000.0;
 
-    juce::dsp::Chorus<float> flanger;
+    Flanger flanger;
     int flangerMaxBlock = 1; // the block size the flanger was prepared for
 
     TiltEqualiser tilt;

@@ -77,6 +77,8 @@ void Octaver::prepare (double sampleRate, int samplesPerBlock)
     outputAccumulator.fill (0.0f);
     anaFreq.fill (0.0f);
     anaMagn.fill (0.0f);
+    phasePending.fill (false);
+    binUseRatio = 0.0f;
     zeroRun = frameSize;
     silentFrames = restingFrames;
     silentStepRatio = 0.0f;
@@ -192,12 +194,35 @@ void Octaver::processFrame() noexcept
 
     fft (ws, frameSize, -1);
 
-    for (long k = 0; k <= halfFrame; ++k)
+    if (! juce::exactlyEqual (binUseRatio, ratio))
+        updateBinUse();
+
+    // Passes without calls run as vectors: magnitudes first, then the phases of the bins that need one.
+    const int bins = (int) halfFrame + 1;
+    for (int k = 0; k < bins; ++k)
     {
         const double re = ws[2 * k];
         const double im = ws[2 * k + 1];
-        const double magnitude = 2.0 * std::sqrt (re * re + im * im);
-        const double phase = std::atan2 (im, re);
+        anaMagn[(size_t) k] = (float) (2.0 * std::sqrt (re * re + im * im));
+    }
+
+    for (int k = 0; k < bins; ++k)
+    {
+        // A frequency nothing reads needs no phase yet: the bins wait for the frame that does.
+        if (binTarget[(size_t) k] < 0)
+        {
+            pendingRe[(size_t) k] = ws[2 * k];
+            pendingIm[(size_t) k] = ws[2 * k + 1];
+            phasePending[(size_t) k] = true;
+            continue;
+        }
+        if (phasePending[(size_t) k])
+        {
+            lastPhase[(size_t) k] = (float) std::atan2 ((double) pendingIm[(size_t) k], (double) pendingRe[(size_t) k]);
+            phasePending[(size_t) k] = false;
+        }
+
+        const double phase = std::atan2 ((double) ws[2 * k + 1], (double) ws[2 * k]);
 
         double d = phase - lastPhase[(size_t) k] - (double) k * expectedPhaseStep;
         lastPhase[(size_t) k] = (float) phase;
@@ -211,29 +236,40 @@ void Octaver::processFrame() noexcept
         d = d - pi * (double) q;
 
         anaFreq[(size_t) k] = (float) (binFrequency * (d * (double) oversampling / (2.0 * pi)) + binFrequency * (double) k);
-        anaMagn[(size_t) k] = (float) magnitude;
     }
 
-    // Only the bins up to half the frame are ever written or read.
-    std::fill (synMagn.begin(), synMagn.begin() + halfFrame + 1, 0.0f);
-    std::fill (synFreq.begin(), synFreq.begin() + halfFrame + 1, 0.0f);
-    for (long k = 0; k <= halfFrame; ++k)
+    // Only the bins up to half the frame are ever written or read. Every bin's magnitude lands on its
+    // index, the first one there on the zero it would be added to (0 + m is m for a magnitude); the
+    // frequency only from the last bin there, the one binTarget names. Indices no bin reaches stay at
+    // the zeros updateBinUse left.
+    for (int k = 0; k < bins; ++k)
     {
-        const long index = (long) (ratio * (float) k);
-        if (index >= 0 && index <= halfFrame)
-        {
-            synMagn[(size_t) index] += anaMagn[(size_t) k];
-            synFreq[(size_t) index] = anaFreq[(size_t) k] * ratio;
-        }
+        const long index = binIndex[(size_t) k];
+        if (index >= 0)
+            synMagn[(size_t) index] = binFirst[(size_t) k] ? anaMagn[(size_t) k] : synMagn[(size_t) index] + anaMagn[(size_t) k];
+        if (binTarget[(size_t) k] >= 0)
+            synFreq[(size_t) binTarget[(size_t) k]] = anaFreq[(size_t) k] * ratio;
     }
 
-    for (long k = 0; k <= halfFrame; ++k)
+    for (int k = 0; k < bins; ++k)
     {
-        double d = ((synFreq[(size_t) k] - binFrequency * (double) k) / binFrequency) * 2.0 * pi / (double) oversampling
-                   + expectedPhaseStep * (double) k;
+        const double d = ((synFreq[(size_t) k] - binFrequency * (double) k) / binFrequency) * 2.0 * pi / (double) oversampling
+                         + expectedPhaseStep * (double) k;
         phaseStep[(size_t) k] = d;
         sumPhase[(size_t) k] = (float) (d + sumPhase[(size_t) k]);
+    }
+
+    for (int k = 0; k < bins; ++k)
+    {
         const double phase = sumPhase[(size_t) k];
+        // An empty bin gives zeros whatever its phase; a zero's sign never reaches the output, as the
+        // overlap-add starts from +0 and adds.
+        if (juce::exactlyEqual (synMagn[(size_t) k], 0.0f) && std::isfinite (phase))
+        {
+            ws[2 * k] = 0.0f;
+            ws[2 * k + 1] = 0.0f;
+            continue;
+        }
         ws[2 * k] = (float) (synMagn[(size_t) k] * std::cos (phase));
         ws[2 * k + 1] = (float) (synMagn[(size_t) k] * std::sin (phase));
     }
@@ -249,4 +285,27 @@ void Octaver::processFrame() noexcept
     std::copy (outputAccumulator.begin(), outputAccumulator.begin() + hop, outFifo.begin());
     std::copy (outputAccumulator.begin() + hop, outputAccumulator.begin() + hop + frameSize, outputAccumulator.begin());
     std::copy (inFifo.begin() + hop, inFifo.begin() + frameSize, inFifo.begin());
+}
+
+void Octaver::updateBinUse() noexcept
+{
+    binUseRatio = ratio;
+    auto& lastSource = binSource;
+    lastSource.fill (-1);
+    std::fill (synMagn.begin(), synMagn.begin() + halfFrame + 1, 0.0f);
+    std::fill (synFreq.begin(), synFreq.begin() + halfFrame + 1, 0.0f);
+    for (long k = 0; k <= halfFrame; ++k)
+    {
+        const long index = (long) (ratio * (float) k);
+        const bool inside = index >= 0 && index <= halfFrame;
+        binIndex[(size_t) k] = inside ? index : -1;
+        binFirst[(size_t) k] = inside && lastSource[(size_t) index] < 0;
+        if (inside)
+            lastSource[(size_t) index] = k;
+    }
+    for (long k = 0; k <= halfFrame; ++k)
+    {
+        const long index = binIndex[(size_t) k];
+        binTarget[(size_t) k] = index >= 0 && lastSource[(size_t) index] == k ? index : -1;
+    }
 }

@@ -36,6 +36,7 @@ public:
 private:
     void processChunk (juce::AudioBuffer<float>& wet, int start, int numSamples, float mix) noexcept;
     void processFrame() noexcept;
+    void updateBinUse() noexcept;
 
     std::array<float, maxFrameSize> inFifo {};
     std::array<float, maxFrameSize> outFifo {};
@@ -47,6 +48,18 @@ private:
     std::array<float, maxFrameSize> anaMagn {};
     std::array<float, maxFrameSize> synFreq {};
     std::array<float, maxFrameSize> synMagn {};
+
+    // Where each bin lands at `binUseRatio`. A bin's frequency is kept only where its index lies inside
+    // the half frame and no later bin lands on it; a bin whose frequency is not kept holds its last
+    // values instead of their phase, and the phase is taken from them when a frame needs it.
+    std::array<long, maxFrameSize / 2 + 1> binIndex {};  // the synthesis index of each bin, or -1
+    std::array<long, maxFrameSize / 2 + 1> binTarget {};
+    std::array<bool, maxFrameSize / 2 + 1> binFirst {};  // the first bin landing on its index // that index where the bin's frequency is kept, or -1
+    std::array<bool, maxFrameSize / 2 + 1> phasePending {};
+    std::array<float, maxFrameSize / 2 + 1> pendingRe {};
+    std::array<float, maxFrameSize / 2 + 1> pendingIm {};
+    float binUseRatio = 0.0f;
+    std::array<long, maxFrameSize / 2 + 1> binSource {}; // the last bin landing on each index
 
     // The synthesis phase step of each bin in the last frame; a silent frame repeats it.
     std::array<double, maxFrameSize / 2 + 1> phaseStep {};

@@ -23,6 +23,26 @@ juce::Random& panRandom()
 }
 } // namespace
 
+juce::uint64 SynthVoice::noiseJump (int draws, juce::uint64 seed) noexcept
+{
+    // The generator's step s -> (a s + 11) mod 2^48, taken `draws` times at once: s -> A s + C with
+    // A = a^draws and C = 11 (a^(draws-1) + ... + 1), all modulo 2^48 (unsigned wrap-around keeps it).
+    static const auto jumps = []
+    {
+        std::array<std::pair<juce::uint64, juce::uint64>, (size_t) chunkSize + 1> table {};
+        juce::uint64 a = 1, c = 0;
+        for (size_t k = 0; k < table.size(); ++k)
+        {
+            table[k] = { a & 0xffffffffffffULL, c & 0xffffffffffffULL };
+            a = a * 0x5deece66dULL;
+            c = c * 0x5deece66dULL + 11;
+        }
+        return table;
+    }();
+    const auto& [a, c] = jumps[(size_t) juce::jlimit (0, chunkSize, draws)];
+    return (seed * a + c) & 0xffffffffffffULL;
+}
+
 void SynthVoice::seedPlacement (juce::int64 seed) noexcept
 {
     panRandom().setSeed (seed);
@@ -31,6 +51,7 @@ void SynthVoice::seedPlacement (juce::int64 seed) noexcept
 SynthVoice::SynthVoice()
 {
     noiseRandom.setSeedRandomly();
+    noiseJump (0, 0); // builds its table here rather than on the audio thread
 }
 
 void SynthVoice::prepareVoice (double sampleRate)
@@ -214,7 +235,17 @@ __attribute__ ((flatten)) void SynthVoice::renderNextBlock (juce::AudioBuffer<fl
             envelope = env;
         }
 
+        // With no noise level and a settled noise filter every noise sample is +0 (the filter flushes
+        // a zero of either sign to +0), and with no modulation depth the modulator gives the carrier
+        // a zero that adds nothing to the noise's value: those passes are skipped. The generator still
+        // moves on by as many draws as it would have made.
+        const bool noiseSilent = juce::exactlyEqual (noiseAmount, 0.0f) && juce::exactlyEqual (noiseFilter.z, 0.0f);
+        const bool modulatorSilent = juce::exactlyEqual (envelopeModAmount, 0.0f) && juce::exactlyEqual (timbreAmount, 0.0f);
+
         // The generator's own steps, written out so they inline: the same draws as nextFloat.
+        if (noiseSilent)
+            noiseRandom.setSeed ((juce::int64) noiseJump (produced, (juce::uint64) noiseRandom.getSeed()));
+        else
         {
             auto seed = (juce::uint64) noiseRandom.getSeed();
             for (int i = 0; i < produced; ++i)
@@ -239,34 +270,53 @@ __attribute__ ((flatten)) void SynthVoice::renderNextBlock (juce::AudioBuffer<fl
             const float b = pitchBendRatio;
             for (int i = 0; i < produced; ++i)
             {
-                const double m = PhaseOscillator::shape (PhaseOscillator::wrapBranchless (
-                    phaseChunk[(size_t) i] + PhaseOscillator::radiansToCycles * 0.8999999761581421));
-                const float envelopeOut = envelopeChunk[(size_t) i];
                 const float vib = vibratoAmount * (vibratoChunk[(size_t) i] * 3.3f);
-
-                // Only the modulator's positive half reaches the carrier.
-                const float depth = envelopeModAmount * envelopeOut + timbreAmount;
-                float pm = depth * (float) m;
-                pm = pm > 1.0f ? 1.0f : pm;
-                pm = pm < 0.0f ? 0.0f : pm;
-
-                float n = noiseChunk[(size_t) i] * (noiseAmount - vib * noiseAmount);
-                n = n * (pm * pm + 1.0f);
-                noiseChunk[(size_t) i] = (envelopeModAmount * envelopeOut + 1.0f) * n;
-                modulationChunk[(size_t) i] = pm;
                 // Vibrato adds Hz in proportion to the note, unscaled by the bend.
                 frequencyChunk[(size_t) i] = b * f + (f * vib) * 0.1f;
             }
 
+            if (modulatorSilent)
+                std::fill (modulationChunk.begin(), modulationChunk.begin() + produced, 0.0f);
+            else
+                for (int i = 0; i < produced; ++i)
+                {
+                    const double m = PhaseOscillator::shape (PhaseOscillator::wrapBranchless (
+                        phaseChunk[(size_t) i] + PhaseOscillator::radiansToCycles * 0.8999999761581421));
+                    // Only the modulator's positive half reaches the carrier.
+                    const float depth = envelopeModAmount * envelopeChunk[(size_t) i] + timbreAmount;
+                    float pm = depth * (float) m;
+                    pm = pm > 1.0f ? 1.0f : pm;
+                    pm = pm < 0.0f ? 0.0f : pm;
+                    modulationChunk[(size_t) i] = pm;
+                }
+
             auto car = carrier;
-            auto noise = noiseFilter;
-            for (int i = 0; i < produced; ++i)
+            if (noiseSilent)
             {
-                noiseChunk[(size_t) i] = noise.process (noiseChunk[(size_t) i]);
-                phaseChunk[(size_t) i] = car.advance (frequencyChunk[(size_t) i]);
+                std::fill (noiseChunk.begin(), noiseChunk.begin() + produced, 0.0f);
+                for (int i = 0; i < produced; ++i)
+                    phaseChunk[(size_t) i] = car.advance (frequencyChunk[(size_t) i]);
+            }
+            else
+            {
+                for (int i = 0; i < produced; ++i)
+                {
+                    const float envelopeOut = envelopeChunk[(size_t) i];
+                    const float vib = vibratoAmount * (vibratoChunk[(size_t) i] * 3.3f);
+                    const float pm = modulationChunk[(size_t) i];
+                    float n = noiseChunk[(size_t) i] * (noiseAmount - vib * noiseAmount);
+                    n = n * (pm * pm + 1.0f);
+                    noiseChunk[(size_t) i] = (envelopeModAmount * envelopeOut + 1.0f) * n;
+                }
+                auto noise = noiseFilter;
+                for (int i = 0; i < produced; ++i)
+                {
+                    noiseChunk[(size_t) i] = noise.process (noiseChunk[(size_t) i]);
+                    phaseChunk[(size_t) i] = car.advance (frequencyChunk[(size_t) i]);
+                }
+                noiseFilter = noise;
             }
             carrier = car;
-            noiseFilter = noise;
 
             for (int i = 0; i < produced; ++i)
             {

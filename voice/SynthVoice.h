@@ -48,6 +48,8 @@ public:
 
 private:
     void updateModulatorRatio (float pitchParameter);
+    // The noise generator's seed after `draws` steps (at most one chunk) from `seed`.
+    static juce::uint64 noiseJump (int draws, juce::uint64 seed) noexcept;
 
     // Per-sample state first, so the render loop touches as few cache lines as possible.
     VoiceEnvelope envelope;

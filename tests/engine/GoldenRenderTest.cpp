@@ -22,6 +22,7 @@ struct Case
     std::vector<Note> notes;
     double seconds;
     std::uint64_t hash;
+    std::vector<std::pair<double, std::pair<int, float>>> changes {}; // at a second, from the block holding it
 };
 
 using P = std::pair<int, float>;
@@ -62,6 +63,9 @@ std::uint64_t render (const Case& c)
             if (end >= 0 && end < n)
                 midi.addEvent (juce::MidiMessage::noteOff (1, note.number), end);
         }
+        for (const auto& [second, change] : c.changes)
+            if ((int) (second * c.rate) >= start && (int) (second * c.rate) < start + n)
+                *p.parameterValues[(size_t) change.first] = change.second;
         buffer.setSize (2, n, false, false, true);
         buffer.clear();
         p.processBlock (buffer, midi);
@@ -85,9 +89,14 @@ TEST (GoldenRender, EveryModuleRateAndBlockSizeRendersTheRecordedBits)
     const Case cases[] = {
         { "voices alone", 48000, 256, dryVoices, chord, 0.5, 0x1b56ac5e2a0f94edull },
         { "voice colour, folder", 44100, 7, with (voiceColour, { { I::ws, 1.0f } }), stealing, 0.6, 0xcdb11fd6b7bec522ull },
+        { "voice colour switched off and on", 48000, 256, voiceColour, stealing, 1.0, 0xf7364671714ea16eull,
+          { { 0.1, { I::noise, 0.0f } }, { 0.2, { I::timbre, 0.0f } }, { 0.25, { I::envmod, 0.0f } }, { 0.5, { I::noise, 0.3f } },
+            { 0.55, { I::timbre, 0.7f } }, { 0.7, { I::noise, 0.0f } } } },
         { "default patch stealing", 48000, 256, {}, stealing, 0.7, 0x3cd055c43856376aull },
         { "octaver down", 48000, 256, with (dryVoices, { { I::bp1, 1.0f }, { I::octave, 0.7f } }), chord, 0.5, 0x62943029a4d9926full },
         { "octaver up, long blocks", 96000, 4096, with (dryVoices, { { I::bp1, 1.0f }, { I::up, 1.0f } }), stealing, 0.5, 0xe6314f48e1029f8bull },
+        { "octaver turned up and down", 48000, 256, with (dryVoices, { { I::bp1, 1.0f } }), chord, 1.2, 0xf140e0799c293f70ull,
+          { { 0.3, { I::up, 1.0f } }, { 0.65, { I::up, 0.0f } }, { 0.9, { I::up, 1.0f } } } },
         { "flanger pre", 44100, 256, with (dryVoices, { { I::bp3, 1.0f }, { I::flangerit, 0.5f } }), chord, 0.5, 0x4ce98bae95fa27b8ull },
         { "flanger post", 48000, 7, with (dryVoices, { { I::bp3, 1.0f }, { I::flangerit, -0.8f }, { I::pre, 0.0f } }), stealing, 0.4, 0x4e0d3ca102889a43ull },
         { "delay reverse, squeeze", 48000, 256, { { I::time, 120.0f }, { I::fdbk, 0.6f }, { I::squeezeit, 300.0f }, { I::reverb, 0.0f }, { I::tilt, -0.5f } }, stealing, 0.8, 0xf630aa151025113aull },
