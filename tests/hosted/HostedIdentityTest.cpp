@@ -5,7 +5,7 @@
 
 using hosted::HostedPluginTest;
 
-TEST_F (HostedPluginTest, BundleIsAStereoInstrumentWithoutLatencyOrTail)
+TEST_F (HostedPluginTest, BundleIsAStereoInstrumentWithoutLatencyOrTailAndTheTableParameters)
 {
     const auto& description = host->getDescription();
     auto& instance = host->getInstance();
@@ -40,10 +40,8 @@ TEST_F (HostedPluginTest, BundleIsAStereoInstrumentWithoutLatencyOrTail)
     EXPECT_EQ (instance.getTailLengthSeconds(), 0.0);
     // Hosts and the VST3 validator read the program list; an empty name there fails validation.
     EXPECT_EQ (host->getProgramNames(), juce::StringArray ("no name"));
-}
 
-TEST_F (HostedPluginTest, ExposesExactlyTheTableParametersInOrderAtTheirDefaultsWithTheirTexts)
-{
+    // Exactly the table's parameters, in order, at their defaults, with their texts.
     const auto& parameters = host->getParameters();
     const auto state = hosted::stateXml (*host);
     ASSERT_NE (state, nullptr);

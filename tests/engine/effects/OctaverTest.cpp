@@ -18,16 +18,13 @@ Run runOctaver (const std::vector<float>& left, int blockSize, float mix, float 
     juce::ScopedNoDenormals noDenormals;
     auto octaver = std::make_unique<Octaver>();
     octaver->prepare (rate, preparedBlock > 0 ? preparedBlock : blockSize);
-    juce::AudioBuffer<float> wet (2, blockSize);
     Run run { left, right.empty() ? left : right };
     for (size_t start = 0; start < left.size(); start += (size_t) blockSize)
     {
         const int n = (int) std::min ((size_t) blockSize, left.size() - start);
-        wet.copyFrom (0, 0, run.left.data() + start, n);
-        wet.copyFrom (1, 0, run.right.data() + start, n);
+        float* channels[] = { run.left.data() + start, run.right.data() + start };
+        juce::AudioBuffer<float> wet (channels, 2, n);
         octaver->process (wet, n, start < mixChangeAt ? mixBefore : mix, ratio);
-        std::copy (wet.getReadPointer (0), wet.getReadPointer (0) + n, run.left.begin() + (long) start);
-        std::copy (wet.getReadPointer (1), wet.getReadPointer (1) + n, run.right.begin() + (long) start);
     }
     return run;
 }

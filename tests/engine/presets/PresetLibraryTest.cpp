@@ -141,15 +141,13 @@ TEST (PresetLibrary, AnEmptyOrUnmakeableLibraryListsOneInitPresetAndWritesNothin
         SCOPED_TRACE (c.what);
         ScopedTempHome home;
         c.prepare (home.folder);
-        {
-            TestProcessor t;
-            auto& manager = t.processor->presetManager;
-            ASSERT_EQ (manager.getNumPresets(), 1u);
-            EXPECT_EQ (manager.getPresets()[0]->name, "[init]");
-            EXPECT_EQ (manager.getPresets()[0]->file, juce::File());
-            manager.selectNext();
-            EXPECT_EQ (manager.getCurrentPreset(), manager.getPresets()[0]);
-            EXPECT_TRUE (home.library().findChildFiles (juce::File::findFiles, true).isEmpty()) << "the fallback preset is never written";
-        }
+        TestProcessor t;
+        auto& manager = t.processor->presetManager;
+        ASSERT_EQ (manager.getNumPresets(), 1u);
+        EXPECT_EQ (manager.getPresets()[0]->name, "[init]");
+        EXPECT_EQ (manager.getPresets()[0]->file, juce::File());
+        manager.selectNext();
+        EXPECT_EQ (manager.getCurrentPreset(), manager.getPresets()[0]);
+        EXPECT_TRUE (home.library().findChildFiles (juce::File::findFiles, true).isEmpty()) << "the fallback preset is never written";
     }
 }

@@ -78,21 +78,3 @@ inline std::map<juce::String, juce::MemoryBlock> snapshotFiles (const juce::File
         f.loadFileAsData (result[f.getRelativePathFrom (folder)]);
     return result;
 }
-
-// Plays `blocks` blocks of `blockSize` samples with `midi` in the first; returns the RMS of the output,
-// NaN when a sample is not finite.
-inline double renderRms (juce::AudioProcessor& p, int blocks, const juce::MidiBuffer& midi = {}, int blockSize = 256)
-{
-    juce::AudioBuffer<float> buffer (2, blockSize);
-    double energy = 0.0;
-    for (int b = 0; b < blocks; ++b)
-    {
-        juce::MidiBuffer events (b == 0 ? midi : juce::MidiBuffer());
-        buffer.clear();
-        p.processBlock (buffer, events);
-        for (int ch = 0; ch < 2; ++ch)
-            for (int i = 0; i < blockSize; ++i)
-                energy += (double) buffer.getSample (ch, i) * buffer.getSample (ch, i);
-    }
-    return std::sqrt (energy / (2.0 * blocks * blockSize));
-}

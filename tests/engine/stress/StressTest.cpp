@@ -9,13 +9,10 @@
 #include <cmath>
 #include <cstdio>
 #include <functional>
-#include <memory>
 #include <thread>
 
-#include <juce_events/juce_events.h>
-
-#include "core/KestruneAudioProcessor.h"
 #include "engine/support/ScopedRealTimeRecord.h"
+#include "engine/support/TestProcessor.h"
 
 namespace
 {
@@ -30,9 +27,9 @@ double stressSeconds (double atFullSpeed) { return ScopedRealTimeRecord::isActiv
 enum class Stealing { impossible, possible };
 
 // Drives the processor as a host would and records what each block did on the calling thread.
-struct StressRig
+struct StressRig : TestProcessor
 {
-    StressRig (double sampleRate, int maxBlockSize) { prepare (sampleRate, maxBlockSize); }
+    StressRig (double sampleRate, int maxBlockSize) : TestProcessor (sampleRate, maxBlockSize) { buffer.setSize (2, maxBlockSize); }
 
     // releaseResources, then prepareToPlay, as a host does on a settings change.
     void prepare (double sampleRate, int maxBlockSize)
@@ -86,12 +83,7 @@ struct StressRig
     }
 
     // The loud end of the chain, so that every stage sees many voices at once.
-    void allStagesLoud()
-    {
-        for (int index : { ParameterIndex::bp1, ParameterIndex::bp2, ParameterIndex::bp3, ParameterIndex::reverb })
-            setParameter (index, 1.0f);
-        setParameter (ParameterIndex::fdbk, 0.98f);
-    }
+    void allStagesLoud() { set ({ { "bp1", 1.0f }, { "bp2", 1.0f }, { "bp3", 1.0f }, { "reverb", 1.0f }, { "fdbk", 0.98f } }); }
 
     void expectHealthy (const juce::String& name, Stealing stealing = Stealing::possible)
     {
@@ -117,8 +109,6 @@ struct StressRig
         std::size_t news = 0, mallocs = 0, mostMutexes = 0, mostMutexesWithModWheel = 0;
         float peak = 0.0f;
     } stats;
-    juce::ScopedJuceInitialiser_GUI framework;
-    std::unique_ptr<KestruneAudioProcessor> processor = std::make_unique<KestruneAudioProcessor>();
     juce::AudioBuffer<float> buffer;
 };
 
