@@ -4,7 +4,6 @@
 #include <atomic>
 #include <cmath>
 #include <chrono>
-#include <cstdlib>
 #include <thread>
 
 #include "hosted/HostedPlugin.h"
@@ -20,21 +19,11 @@ protected:
     {
         if (juce::SystemStats::getEnvironmentVariable ("DISPLAY", {}).isEmpty())
             GTEST_SKIP() << "no X display";
-        home.deleteRecursively();
-        home.createDirectory();
-        setenv ("HOME", home.getFullPathName().toRawUTF8(), 1);
         hosted::HostedPluginTest::SetUp();
     }
+    void TearDown() override { host.reset(); }
 
-    void TearDown() override
-    {
-        host.reset();
-        setenv ("HOME", savedHome.toRawUTF8(), 1);
-        home.deleteRecursively();
-    }
-
-    const juce::String savedHome = juce::SystemStats::getEnvironmentVariable ("HOME", {});
-    const juce::File home = juce::File (savedHome).getChildFile ("hosted-editor");
+    hosted::ScopedHome home;
 };
 
 // Lets the window and the framework's queued messages run for a while.

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 // A new user of the installed bundle gets the factory presets in their music folder, and a returning
 // user's library is left as it is.
-#include <cstdlib>
-
 #include "hosted/HostedPlugin.h"
 
 TEST (HostedFactoryPresets, AFreshUserGetsTheBundlesPresetsAndKeepsTheirOwnLater)
@@ -17,11 +15,8 @@ TEST (HostedFactoryPresets, AFreshUserGetsTheBundlesPresetsAndKeepsTheirOwnLater
     const auto shipped = filesBelow (juce::File (ONDRIVEL_DEFAULT_BUNDLE).getChildFile ("Contents/Resources/Presets"));
     ASSERT_GE (shipped.size(), 24u) << "the build installs the factory presets into the bundle";
     HostEnvironment environment;
-    const juce::String previousHome = juce::SystemStats::getEnvironmentVariable ("HOME", {});
-    const auto home = juce::File::getSpecialLocation (juce::File::tempDirectory).getNonexistentChildFile ("ondrivel-user", {}, false);
-    home.createDirectory();
-    setenv ("HOME", home.getFullPathName().toRawUTF8(), 1);
-    const auto library = home.getChildFile ("Music/ondrivel");
+    hosted::ScopedHome home;
+    const auto library = home.folder.getChildFile ("Music/ondrivel");
 
     EXPECT_NE (hosted::loadBuiltPlugin(), nullptr);
     EXPECT_EQ (filesBelow (library), shipped);
@@ -32,7 +27,4 @@ TEST (HostedFactoryPresets, AFreshUserGetsTheBundlesPresetsAndKeepsTheirOwnLater
     const auto edited = filesBelow (library);
     EXPECT_NE (hosted::loadBuiltPlugin(), nullptr);
     EXPECT_EQ (filesBelow (library), edited);
-
-    setenv ("HOME", previousHome.toRawUTF8(), 1);
-    home.deleteRecursively();
 }

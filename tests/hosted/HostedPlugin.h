@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -63,6 +64,17 @@ inline juce::String stateValue (const juce::XmlElement& state, const juce::Strin
             return child->getStringAttribute ("value");
     return {};
 }
+
+// HOME at a fresh folder while alive, so that no test run in parallel shares the plug-in's files.
+struct ScopedHome
+{
+    ScopedHome() { folder.createDirectory(), setenv ("HOME", folder.getFullPathName().toRawUTF8(), 1); }
+    ~ScopedHome() { setenv ("HOME", previous.toRawUTF8(), 1), folder.deleteRecursively(); }
+
+    const juce::String previous = juce::SystemStats::getEnvironmentVariable ("HOME", {});
+    const juce::File folder = juce::File::getSpecialLocation (juce::File::tempDirectory)
+                                  .getNonexistentChildFile ("ondrivel-home-" + juce::String (juce::Random::getSystemRandom().nextInt64()), {}, false);
+};
 
 // A test fixture with the framework running and the built plug-in loaded at 48 kHz, block 256.
 class HostedPluginTest : public ::testing::Test

@@ -8,7 +8,9 @@
 #include <atomic>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <functional>
+#include <mutex>
 #include <thread>
 
 #include "engine/support/ScopedRealTimeRecord.h"
@@ -327,4 +329,25 @@ TEST (Stress, StateRestoresAndAutomationFromAnotherThreadWhileAudioRuns)
     running = false;
     audio.join();
     rig.expectHealthy ("while audio runs: " + juce::String (restores) + " restores, " + juce::String (changes) + " changes");
+}
+
+// Every case above relies on this record: one that never counts would let them all pass.
+TEST (RealTimeSafety, RecordSeesAllocationsAndLocksOfThisThread)
+{
+    if (! ScopedRealTimeRecord::isActive())
+        GTEST_SKIP() << "AddressSanitizer owns the allocator and the locks";
+    std::mutex a, b;
+    ScopedRealTimeRecord record;
+    int* volatile p = new int (3);
+    delete p;
+    void* volatile q = std::malloc (24);
+    std::free (q);
+    for (int i = 0; i < 3; ++i)
+    {
+        std::lock_guard<std::mutex> first (a);
+        std::lock_guard<std::mutex> second (b);
+    }
+    EXPECT_EQ (record.getNews(), 1u);
+    EXPECT_EQ (record.getMallocs(), 1u);
+    EXPECT_EQ (record.getDistinctMutexes(), 2u);
 }
