@@ -23,7 +23,7 @@ protected:
     }
     void TearDown() override { host.reset(); }
 
-    hosted::ScopedHome home;
+    ScopedHome home;
 };
 
 // Lets the window and the framework's queued messages run for a while.

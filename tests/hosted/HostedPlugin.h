@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -12,6 +11,7 @@
 #include "HostEnvironment.h"
 #include "PluginHost.h"
 #include "core/ParameterTable.h"
+#include "engine/support/ScopedHome.h"
 
 namespace hosted
 {
@@ -64,17 +64,6 @@ inline juce::String stateValue (const juce::XmlElement& state, const juce::Strin
             return child->getStringAttribute ("value");
     return {};
 }
-
-// HOME at a fresh folder while alive, so that no test run in parallel shares the plug-in's files.
-struct ScopedHome
-{
-    ScopedHome() { folder.createDirectory(), setenv ("HOME", folder.getFullPathName().toRawUTF8(), 1); }
-    ~ScopedHome() { setenv ("HOME", previous.toRawUTF8(), 1), folder.deleteRecursively(); }
-
-    const juce::String previous = juce::SystemStats::getEnvironmentVariable ("HOME", {});
-    const juce::File folder = juce::File::getSpecialLocation (juce::File::tempDirectory)
-                                  .getNonexistentChildFile ("ondrivel-home-" + juce::String (juce::Random::getSystemRandom().nextInt64()), {}, false);
-};
 
 // A test fixture with the framework running and the built plug-in loaded at 48 kHz, block 256.
 class HostedPluginTest : public ::testing::Test

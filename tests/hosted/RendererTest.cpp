@@ -156,12 +156,9 @@ TEST_F (RendererTest, TwoRunsOfOneCommandWriteTheSameFileWithTheReverbOn)
 {
     // Each run is a fresh process, in which the host and the module code seed the C library's
     // generator with addresses; the reverb's tail must not follow them.
-    const juce::StringArray args { "--seconds", "1.5", "--notes", "48:100:0:0.3,60:90:0.2:0.3", "--set", "reverb=1" };
     for (const auto* name : { "first.wav", "second.wav" })
     {
-        auto withOut = args;
-        withOut.addArray (juce::StringArray { "--out", name });
-        const auto result = run (withOut);
+        const auto result = run ({ "--out", name, "--seconds", "1.5", "--notes", "48:100:0:0.3,60:90:0.2:0.3", "--set", "reverb=1" });
         ASSERT_EQ (result.status, 0) << result.err;
     }
     juce::MemoryBlock first, second;

@@ -203,8 +203,7 @@ TEST (ReverbTest, DecayTimeIsSecondsLongAndShorterInTheHighs)
 TEST (ReverbTest, StaysBoundedAndSteadyUnderSixtySecondsOfFullLevelNoise)
 {
     const double rate = 48000.0;
-    ReverbRig rig (rate);
-    const auto out = rig.run (noise ((size_t) (rate * 60.0), 1.0f, 5), 1.0f);
+    const auto out = ReverbRig (rate).run (noise ((size_t) (rate * 60.0), 1.0f, 5), 1.0f);
     ASSERT_TRUE (out.finite());
     for (const auto* channel : { &out.left, &out.right })
         EXPECT_LT (std::abs ((*channel)[(size_t) listen::indexOfPeak (*channel)]), 4.0f);

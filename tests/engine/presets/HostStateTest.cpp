@@ -34,8 +34,7 @@ TEST (HostState, BadBlocksLeaveTheParametersButSilenceTheDelay)
     t.set ({ { "bp2", 1.0f }, { "rev", 0.0f }, { "time", 200.0f }, { "fdbk", 0.9f }, { "revmix", 1.0f }, { "drywet", 1.0f },
             { "reverb", 0.0f }, { "attack", 0.0f }, { "decay", 0.05f }, { "sustain", 0.0f }, { "release", 0.0f } });
     const auto before = valuesOf (p);
-    juce::MidiBuffer note;
-    note.addEvent (juce::MidiMessage::noteOn (1, 60, (juce::uint8) 100), 0);
+    auto note = TestProcessor::noteOn (60);
     note.addEvent (juce::MidiMessage::noteOff (1, 60), 128);
 
     // The hosted tests give the built bundle blocks of every broken shape; here an empty one and

@@ -103,10 +103,8 @@ TEST (PresetLibrary, FilesFromElsewhereAreListedConvertedOrSkipped)
         lib.getChildFile (c.file).replaceWithData (c.bytes.getData(), c.bytes.getSize());
     lib.getChildFile ("folder.xml").createDirectory();
     lib.createSymbolicLink (lib.getChildFile ("loop"), true); // a folder that contains itself
-    {
-        juce::FileOutputStream huge (lib.getChildFile ("huge.xml"));
-        huge << "<ondrivel><PROGRAM NAME=\"huge\"/><NOTES TEXT=\"" << juce::String::repeatedString ("x", 9 << 20) << "\"/></ondrivel>";
-    }
+    lib.getChildFile ("huge.xml").replaceWithText ("<ondrivel><PROGRAM NAME=\"huge\"/><NOTES TEXT=\"" + juce::String::repeatedString ("x", 9 << 20)
+                                                   + "\"/></ondrivel>");
     const auto before = snapshotFiles (lib);
     TestProcessor t;
     auto& manager = t.processor->presetManager;

@@ -3,36 +3,19 @@
 #pragma once
 
 #include <algorithm>
-#include <cstdlib>
 #include <map>
 
 #include <juce_audio_processors/juce_audio_processors.h>
 
 #include "core/ParameterTable.h"
+#include "engine/support/ScopedHome.h"
 #include "presets/Preset.h"
 #include "presets/PresetManager.h"
 
-// Points HOME at a fresh temporary folder, so the music folder, the library and the settings live there
-// and tests run in parallel never share a file.
-struct ScopedTempHome
+// A home folder of the test's own, and the preset library in it.
+struct ScopedTempHome : ScopedHome
 {
-    ScopedTempHome() : previous (std::getenv ("HOME") != nullptr ? std::getenv ("HOME") : "")
-    {
-        folder.createDirectory();
-        setenv ("HOME", folder.getFullPathName().toRawUTF8(), 1);
-    }
-    ~ScopedTempHome()
-    {
-        if (previous.isNotEmpty())
-            setenv ("HOME", previous.toRawUTF8(), 1);
-        folder.deleteRecursively();
-    }
-
     juce::File library() const { return velkaro::PresetManager::presetFolder(); }
-
-    juce::String previous;
-    juce::File folder = juce::File::getSpecialLocation (juce::File::tempDirectory)
-                            .getNonexistentChildFile ("ondrivel-home-" + juce::String (juce::Random::getSystemRandom().nextInt64()), {}, false);
 };
 
 using ValueTexts = std::map<juce::String, juce::String>;
@@ -67,14 +50,5 @@ inline std::vector<juce::String> namesOf (const std::vector<velkaro::Preset*>& p
 {
     std::vector<juce::String> result (presets.size());
     std::transform (presets.begin(), presets.end(), result.begin(), [] (auto* p) { return p->name; });
-    return result;
-}
-
-// Every file below `folder` with its bytes, to prove what a scan or a save did or did not write.
-inline std::map<juce::String, juce::MemoryBlock> snapshotFiles (const juce::File& folder)
-{
-    std::map<juce::String, juce::MemoryBlock> result;
-    for (const auto& f : folder.findChildFiles (juce::File::findFiles, true, "*", juce::File::FollowSymlinks::noCycles))
-        f.loadFileAsData (result[f.getRelativePathFrom (folder)]);
     return result;
 }
