@@ -8,19 +8,16 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <memory>
 
-#include <juce_events/juce_events.h>
-
-#include "core/KestruneAudioProcessor.h"
+#include "engine/support/TestProcessor.h"
 
 class FuzzedProcessor
 {
 public:
     static KestruneAudioProcessor& get()
     {
-        static FuzzedProcessor fuzzed;
-        return *fuzzed.instance;
+        static TestProcessor fuzzed (48000.0, 64);
+        return *fuzzed.processor;
     }
 
     // Parameters finite and in range, a chord renders finite samples, and the state the processor
@@ -64,12 +61,6 @@ public:
     }
 
 private:
-    FuzzedProcessor()
-    {
-        instance->setRateAndBufferSizeDetails (48000.0, 64);
-        instance->prepareToPlay (48000.0, 64);
-    }
-
     static void checkParameters (const char* when)
     {
         for (const auto& row : parameterTable)
@@ -83,7 +74,4 @@ private:
         std::fflush (stderr);
         std::abort();
     }
-
-    juce::ScopedJuceInitialiser_GUI framework;
-    std::unique_ptr<KestruneAudioProcessor> instance = std::make_unique<KestruneAudioProcessor>();
 };

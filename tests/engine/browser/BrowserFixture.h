@@ -31,14 +31,16 @@ protected:
         pump();
     }
 
-    // A mouse button let go over `component`, where a click ends.
-    static void release (juce::Component& component)
+    // The event of a click, or a double click, on `component`.
+    static juce::MouseEvent mouseEvent (juce::Component& component, int clicks)
     {
         const auto now = juce::Time::getCurrentTime();
-        const juce::MouseEvent up (juce::Desktop::getInstance().getMainMouseSource(), { 1.0f, 1.0f }, {}, 0.0f, 0.0f, 0.0f,
-                                   0.0f, 0.0f, &component, &component, now, { 1.0f, 1.0f }, now, 1, false);
-        component.mouseUp (up);
+        return { juce::Desktop::getInstance().getMainMouseSource(), { 1.0f, 1.0f }, {}, 0.0f, 0.0f, 0.0f, 0.0f, 0.0f,
+                 &component, &component, now, { 1.0f, 1.0f }, now, clicks, false };
     }
+
+    // A mouse button let go over `component`, where a click ends.
+    static void release (juce::Component& component) { component.mouseUp (mouseEvent (component, 1)); }
 
     // Lets the toolbar see the editing state as its timer would, after the parameters reached the tree.
     void tick()
@@ -58,10 +60,7 @@ protected:
     void editCell (int row, int columnId, const juce::String& text)
     {
         auto& table = browser().table;
-        const auto now = juce::Time::getCurrentTime();
-        const juce::MouseEvent doubleClick (juce::Desktop::getInstance().getMainMouseSource(), {}, {}, 0.0f, 0.0f, 0.0f, 0.0f,
-                                            0.0f, &table.table, &table.table, now, {}, now, 2, false);
-        table.cellDoubleClicked (row, columnId, doubleClick);
+        table.cellDoubleClicked (row, columnId, mouseEvent (table.table, 2));
         auto* textEditor = table.editor.getCurrentTextEditor();
         ASSERT_NE (textEditor, nullptr);
         textEditor->setText (text, false);

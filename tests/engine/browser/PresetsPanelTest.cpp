@@ -158,9 +158,7 @@ TEST_F (BrowserFixture, ARefusedNameWaitsForItsCorrectionAndNeverClosesALaterEdi
     typeAndReturn ("Bravissimo");
     EXPECT_EQ (table.getCellText (1, Column::nameColumn), "Bravissimo");
     EXPECT_FALSE (table.message.isVisible());
-    const auto now = juce::Time::getCurrentTime();
-    table.cellDoubleClicked (0, Column::authorColumn, { juce::Desktop::getInstance().getMainMouseSource(), {}, {}, 0, 0, 0, 0, 0,
-                                                        &table.table, &table.table, now, {}, now, 2, false });
+    table.cellDoubleClicked (0, Column::authorColumn, mouseEvent (table.table, 2));
     pump (velkaro::PresetsMetadataTable::refusalMs + 300);
     ASSERT_TRUE (cell.isBeingEdited()) << "the refusal's timer closed a later edit";
     typeAndReturn ("Ann");

@@ -40,7 +40,6 @@ struct DelayRig
 };
 } // namespace
 
-
 TEST (BlockDelay, ImpulseReturnsOneBlockLaterForwardsAndMirroredInReverse)
 {
     struct Case { float timeMs; float rev; int impulseAt; int hostBlock; int expectedAt; };

@@ -203,12 +203,10 @@ TEST (ReverbTest, DecayTimeIsSecondsLongAndShorterInTheHighs)
 TEST (ReverbTest, StaysBoundedAndSteadyUnderSixtySecondsOfFullLevelNoise)
 {
     const double rate = 48000.0;
-    ReverbRig rig (rate);
-    const auto out = rig.run (noise ((size_t) (rate * 60.0), 1.0f, 5), 1.0f);
+    const auto out = ReverbRig (rate).run (noise ((size_t) (rate * 60.0), 1.0f, 5), 1.0f);
     ASSERT_TRUE (out.finite());
-
-    EXPECT_LT (std::abs (out.left[(size_t) listen::indexOfPeak (out.left)]), 4.0f);
-    EXPECT_LT (std::abs (out.right[(size_t) listen::indexOfPeak (out.right)]), 4.0f);
+    for (const auto* channel : { &out.left, &out.right })
+        EXPECT_LT (std::abs ((*channel)[(size_t) listen::indexOfPeak (*channel)]), 4.0f);
     EXPECT_NEAR (listen::rms (out.left, (size_t) (rate * 59), (size_t) rate) / listen::rms (out.left, (size_t) (rate * 10), (size_t) rate), 1.0, 0.2)
         << "late against early level";
 }

@@ -28,12 +28,8 @@ std::vector<PhraseNote> phraseFor (const juce::String& type)
         return { { 36, 0, 37 }, { 36, 47, 37 }, { 43, 94, 37 }, { 41, 141, 84 }, { 36, 234, 94 } };
     if (type == "Lead")
         return { { 60, 0, 47 }, { 64, 47, 47 }, { 67, 94, 47 }, { 72, 141, 94 }, { 67, 234, 94 } };
-    std::vector<PhraseNote> chords;
-    for (const int key : { 48, 55, 60, 64 })
-        chords.push_back ({ key, 0, 141 });
-    for (const int key : { 53, 57, 60, 65 })
-        chords.push_back ({ key, 141, 141 });
-    return chords;
+    return { { 48, 0, 141 }, { 55, 0, 141 }, { 60, 0, 141 }, { 64, 0, 141 },
+             { 53, 141, 141 }, { 57, 141, 141 }, { 60, 141, 141 }, { 65, 141, 141 } };
 }
 
 // Integrated loudness in LUFS as a listener's meter gives it (K-weighted, 400 ms blocks gated at

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "PresetTestSupport.h"
+#include "engine/support/Listen.h"
 #include "engine/support/TestProcessor.h"
 
 namespace
@@ -14,12 +15,6 @@ std::array<float, numParameters> valuesOf (KestruneAudioProcessor& p)
     for (int i = 0; i < numParameters; ++i)
         values[(size_t) i] = p.getParameterValue (i);
     return values;
-}
-
-void setPlain (KestruneAudioProcessor& p, const char* id, float value)
-{
-    auto* param = p.parameters.getParameter (id);
-    param->setValueNotifyingHost (param->convertTo0to1 (value));
 }
 
 juce::MemoryBlock stateOf (KestruneAudioProcessor& p)
@@ -36,20 +31,16 @@ TEST (HostState, BadBlocksLeaveTheParametersButSilenceTheDelay)
     TestProcessor t, other;
     auto& p = *t.processor;
     // A long-ringing forward echo, no reverb, a note that ends at once: afterwards only echoes sound.
-    const std::pair<const char*, float> settings[] = { { "bp2", 1.0f }, { "rev", 0.0f }, { "time", 200.0f }, { "fdbk", 0.9f },
-                                                       { "revmix", 1.0f }, { "drywet", 1.0f }, { "reverb", 0.0f }, { "attack", 0.0f },
-                                                       { "decay", 0.05f }, { "sustain", 0.0f }, { "release", 0.0f } };
-    for (const auto& [id, value] : settings)
-        setPlain (p, id, value);
+    t.set ({ { "bp2", 1.0f }, { "rev", 0.0f }, { "time", 200.0f }, { "fdbk", 0.9f }, { "revmix", 1.0f }, { "drywet", 1.0f },
+            { "reverb", 0.0f }, { "attack", 0.0f }, { "decay", 0.05f }, { "sustain", 0.0f }, { "release", 0.0f } });
     const auto before = valuesOf (p);
-    juce::MidiBuffer note;
-    note.addEvent (juce::MidiMessage::noteOn (1, 60, (juce::uint8) 100), 0);
+    auto note = TestProcessor::noteOn (60);
     note.addEvent (juce::MidiMessage::noteOff (1, 60), 128);
 
     // The hosted tests give the built bundle blocks of every broken shape; here an empty one and
     // another setting whose text carries a broken UTF-8 sequence: the parser would step over the
     // bytes after the lead byte and read the rest, so only checking the text keeps it out.
-    setPlain (*other.processor, "drywet", 0.25f);
+    other.set ({ { "drywet", 0.25f } });
     auto brokenText = stateOf (*other.processor);
     const auto text = juce::String::fromUTF8 (static_cast<const char*> (brokenText.getData()) + 8, (int) brokenText.getSize() - 8);
     brokenText[(size_t) (8 + text.indexOf ("value=\"") + 7)] = (char) 0xe9;
@@ -59,13 +50,14 @@ TEST (HostState, BadBlocksLeaveTheParametersButSilenceTheDelay)
     {
         // Only the delay sounds: a note is heard when its recorded block plays, up to 0.4 s later.
         // A state load while the note is still being recorded must leave nothing to play.
-        renderRms (p, 9, note);
-        const double echoes = renderRms (p, 150);
-        renderRms (p, 9, note);
+        const auto rms = [&t] (int blocks, const juce::MidiBuffer& midi = {}) { return listen::rms (t.render (blocks, midi), 0, blocks * 256u); };
+        rms (9, note);
+        const double echoes = rms (150);
+        rms (9, note);
         p.setStateInformation (block.getData(), (int) block.getSize());
         EXPECT_EQ (valuesOf (p), before) << what;
         EXPECT_GT (echoes, 1e-4) << what;
-        EXPECT_LT (renderRms (p, 150), echoes * 0.03) << what << ": the delay still sounds";
+        EXPECT_LT (rms (150), echoes * 0.03) << what << ": the delay still sounds";
     }
     p.setStateInformation (nullptr, 100);
     EXPECT_EQ (valuesOf (p), before);
@@ -101,8 +93,7 @@ TEST (HostState, ARecallIsNeverALibraryPresetAndMissingValuesAreDefined)
 
     // A preset written elsewhere sets what it names and leaves the rest as the user had it, through
     // the host's save and recall too.
-    setPlain (p, "timbre", 0.7f);
-    setPlain (p, "time", 900.0f);
+    t.set ({ { "timbre", 0.7f }, { "time", 900.0f } });
     manager.selectPreset (2);
     const auto block = stateOf (p);
     recalled.processor->setStateInformation (block.getData(), (int) block.getSize());

@@ -103,10 +103,8 @@ TEST (PresetLibrary, FilesFromElsewhereAreListedConvertedOrSkipped)
         lib.getChildFile (c.file).replaceWithData (c.bytes.getData(), c.bytes.getSize());
     lib.getChildFile ("folder.xml").createDirectory();
     lib.createSymbolicLink (lib.getChildFile ("loop"), true); // a folder that contains itself
-    {
-        juce::FileOutputStream huge (lib.getChildFile ("huge.xml"));
-        huge << "<ondrivel><PROGRAM NAME=\"huge\"/><NOTES TEXT=\"" << juce::String::repeatedString ("x", 9 << 20) << "\"/></ondrivel>";
-    }
+    lib.getChildFile ("huge.xml").replaceWithText ("<ondrivel><PROGRAM NAME=\"huge\"/><NOTES TEXT=\"" + juce::String::repeatedString ("x", 9 << 20)
+                                                   + "\"/></ondrivel>");
     const auto before = snapshotFiles (lib);
     TestProcessor t;
     auto& manager = t.processor->presetManager;
@@ -141,15 +139,13 @@ TEST (PresetLibrary, AnEmptyOrUnmakeableLibraryListsOneInitPresetAndWritesNothin
         SCOPED_TRACE (c.what);
         ScopedTempHome home;
         c.prepare (home.folder);
-        {
-            TestProcessor t;
-            auto& manager = t.processor->presetManager;
-            ASSERT_EQ (manager.getNumPresets(), 1u);
-            EXPECT_EQ (manager.getPresets()[0]->name, "[init]");
-            EXPECT_EQ (manager.getPresets()[0]->file, juce::File());
-            manager.selectNext();
-            EXPECT_EQ (manager.getCurrentPreset(), manager.getPresets()[0]);
-            EXPECT_TRUE (home.library().findChildFiles (juce::File::findFiles, true).isEmpty()) << "the fallback preset is never written";
-        }
+        TestProcessor t;
+        auto& manager = t.processor->presetManager;
+        ASSERT_EQ (manager.getNumPresets(), 1u);
+        EXPECT_EQ (manager.getPresets()[0]->name, "[init]");
+        EXPECT_EQ (manager.getPresets()[0]->file, juce::File());
+        manager.selectNext();
+        EXPECT_EQ (manager.getCurrentPreset(), manager.getPresets()[0]);
+        EXPECT_TRUE (home.library().findChildFiles (juce::File::findFiles, true).isEmpty()) << "the fallback preset is never written";
     }
 }

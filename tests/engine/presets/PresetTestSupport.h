@@ -3,36 +3,19 @@
 #pragma once
 
 #include <algorithm>
-#include <cstdlib>
 #include <map>
 
 #include <juce_audio_processors/juce_audio_processors.h>
 
 #include "core/ParameterTable.h"
+#include "engine/support/ScopedHome.h"
 #include "presets/Preset.h"
 #include "presets/PresetManager.h"
 
-// Points HOME at a fresh temporary folder, so the music folder, the library and the settings live there
-// and tests run in parallel never share a file.
-struct ScopedTempHome
+// A home folder of the test's own, and the preset library in it.
+struct ScopedTempHome : ScopedHome
 {
-    ScopedTempHome() : previous (std::getenv ("HOME") != nullptr ? std::getenv ("HOME") : "")
-    {
-        folder.createDirectory();
-        setenv ("HOME", folder.getFullPathName().toRawUTF8(), 1);
-    }
-    ~ScopedTempHome()
-    {
-        if (previous.isNotEmpty())
-            setenv ("HOME", previous.toRawUTF8(), 1);
-        folder.deleteRecursively();
-    }
-
     juce::File library() const { return velkaro::PresetManager::presetFolder(); }
-
-    juce::String previous;
-    juce::File folder = juce::File::getSpecialLocation (juce::File::tempDirectory)
-                            .getNonexistentChildFile ("ondrivel-home-" + juce::String (juce::Random::getSystemRandom().nextInt64()), {}, false);
 };
 
 using ValueTexts = std::map<juce::String, juce::String>;
@@ -68,31 +51,4 @@ inline std::vector<juce::String> namesOf (const std::vector<velkaro::Preset*>& p
     std::vector<juce::String> result (presets.size());
     std::transform (presets.begin(), presets.end(), result.begin(), [] (auto* p) { return p->name; });
     return result;
-}
-
-// Every file below `folder` with its bytes, to prove what a scan or a save did or did not write.
-inline std::map<juce::String, juce::MemoryBlock> snapshotFiles (const juce::File& folder)
-{
-    std::map<juce::String, juce::MemoryBlock> result;
-    for (const auto& f : folder.findChildFiles (juce::File::findFiles, true, "*", juce::File::FollowSymlinks::noCycles))
-        f.loadFileAsData (result[f.getRelativePathFrom (folder)]);
-    return result;
-}
-
-// Plays `blocks` blocks of `blockSize` samples with `midi` in the first; returns the RMS of the output,
-// NaN when a sample is not finite.
-inline double renderRms (juce::AudioProcessor& p, int blocks, const juce::MidiBuffer& midi = {}, int blockSize = 256)
-{
-    juce::AudioBuffer<float> buffer (2, blockSize);
-    double energy = 0.0;
-    for (int b = 0; b < blocks; ++b)
-    {
-        juce::MidiBuffer events (b == 0 ? midi : juce::MidiBuffer());
-        buffer.clear();
-        p.processBlock (buffer, events);
-        for (int ch = 0; ch < 2; ++ch)
-            for (int i = 0; i < blockSize; ++i)
-                energy += (double) buffer.getSample (ch, i) * buffer.getSample (ch, i);
-    }
-    return std::sqrt (energy / (2.0 * blocks * blockSize));
 }

@@ -8,14 +8,13 @@
 #include <atomic>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <functional>
-#include <memory>
+#include <mutex>
 #include <thread>
 
-#include <juce_events/juce_events.h>
-
-#include "core/KestruneAudioProcessor.h"
 #include "engine/support/ScopedRealTimeRecord.h"
+#include "engine/support/TestProcessor.h"
 
 namespace
 {
@@ -30,9 +29,9 @@ double stressSeconds (double atFullSpeed) { return ScopedRealTimeRecord::isActiv
 enum class Stealing { impossible, possible };
 
 // Drives the processor as a host would and records what each block did on the calling thread.
-struct StressRig
+struct StressRig : TestProcessor
 {
-    StressRig (double sampleRate, int maxBlockSize) { prepare (sampleRate, maxBlockSize); }
+    StressRig (double sampleRate, int maxBlockSize) : TestProcessor (sampleRate, maxBlockSize) { buffer.setSize (2, maxBlockSize); }
 
     // releaseResources, then prepareToPlay, as a host does on a settings change.
     void prepare (double sampleRate, int maxBlockSize)
@@ -68,12 +67,7 @@ struct StressRig
                     stats.peak = std::max (stats.peak, std::abs (x));
     }
 
-    // Through the parameter objects, as the plug-in wrapper does: in the plug-in's units or normalised.
-    void setParameter (int index, float value)
-    {
-        auto* parameter = processor->parameters.getParameter (parameterTable[index].id);
-        parameter->setValueNotifyingHost (parameter->convertTo0to1 (value));
-    }
+    // Through the parameter object, as the plug-in wrapper does.
     void setNormalised (int index, float value) { processor->parameters.getParameter (parameterTable[index].id)->setValueNotifyingHost (value); }
 
     // Any parameter but the volume, so that the output rarely falls silent; a third of the changes
@@ -86,12 +80,7 @@ struct StressRig
     }
 
     // The loud end of the chain, so that every stage sees many voices at once.
-    void allStagesLoud()
-    {
-        for (int index : { ParameterIndex::bp1, ParameterIndex::bp2, ParameterIndex::bp3, ParameterIndex::reverb })
-            setParameter (index, 1.0f);
-        setParameter (ParameterIndex::fdbk, 0.98f);
-    }
+    void allStagesLoud() { set ({ { "bp1", 1.0f }, { "bp2", 1.0f }, { "bp3", 1.0f }, { "reverb", 1.0f }, { "fdbk", 0.98f } }); }
 
     void expectHealthy (const juce::String& name, Stealing stealing = Stealing::possible)
     {
@@ -117,8 +106,6 @@ struct StressRig
         std::size_t news = 0, mallocs = 0, mostMutexes = 0, mostMutexesWithModWheel = 0;
         float peak = 0.0f;
     } stats;
-    juce::ScopedJuceInitialiser_GUI framework;
-    std::unique_ptr<KestruneAudioProcessor> processor = std::make_unique<KestruneAudioProcessor>();
     juce::AudioBuffer<float> buffer;
 };
 
@@ -204,25 +191,23 @@ TEST (Stress, EveryRateAndBlockSizeAcrossPrepareReleaseCyclesWithAutomation)
 
 TEST (Stress, ParametersAtTheirEndsInCombinationStayFiniteAndBounded)
 {
-    using P = std::vector<std::pair<int, float>>;
-    namespace I = ParameterIndex;
+    using P = std::vector<std::pair<const char*, float>>;
     // Common to every named case: all modules in, everything loud.
-    const P allIn = { { I::bp1, 1 }, { I::bp2, 1 }, { I::bp3, 1 }, { I::volume, 1 }, { I::reverb, 1 }, { I::drywet, 1 }, { I::revmix, 1 },
-                      { I::octave, 1 }, { I::fdbk, 0.98f }, { I::fmit, 1400 }, { I::rate, 10 } };
+    const P allIn = { { "bp1", 1 }, { "bp2", 1 }, { "bp3", 1 }, { "volume", 1 }, { "reverb", 1 }, { "drywet", 1 }, { "revmix", 1 },
+                      { "octave", 1 }, { "fdbk", 0.98f }, { "fmit", 1400 }, { "rate", 10 } };
     const std::pair<const char*, P> named[] = {
-        { "squeeze +, flanger +, pitch +24", { { I::squeezeit, 1000 }, { I::flangerit, 1 }, { I::pitch, 24 }, { I::up, 1 } } },
-        { "squeeze -, flanger -, pitch -24", { { I::squeezeit, -1000 }, { I::flangerit, -1 }, { I::pitch, -24 } } },
-        { "flanger pre, tilt +1, shortest envelope", { { I::pre, 1 }, { I::flangerit, 1 }, { I::tilt, 1 }, { I::envms, 2 }, { I::attack, 0 }, { I::release, 0 } } },
+        { "squeeze +, flanger +, pitch +24", { { "squeezeit", 1000 }, { "flangerit", 1 }, { "pitch", 24 }, { "up", 1 } } },
+        { "squeeze -, flanger -, pitch -24", { { "squeezeit", -1000 }, { "flangerit", -1 }, { "pitch", -24 } } },
+        { "flanger pre, tilt +1, shortest envelope", { { "pre", 1 }, { "flangerit", 1 }, { "tilt", 1 }, { "envms", 2 }, { "attack", 0 }, { "release", 0 } } },
         // Half dry: the longest delay would keep a fully wet run silent.
-        { "flanger post, tilt -1, longest window and delay", { { I::pre, 0 }, { I::flangerit, -1 }, { I::tilt, -1 }, { I::envms, 160 }, { I::time, 2980 }, { I::drywet, 0.5f } } },
-        { "shortest delay, synced, forward, all noise", { { I::time, 40 }, { I::sync, 1 }, { I::rev, 0 }, { I::noise, 1 }, { I::timbre, 1 }, { I::envmod, 1 } } },
-        { "waveshaping, full vibrato, long envelope", { { I::ws, 1 }, { I::vibrato, 1 }, { I::attack, 2 }, { I::decay, 4 }, { I::sustain, 1 }, { I::release, 4 } } },
+        { "flanger post, tilt -1, longest window and delay", { { "pre", 0 }, { "flangerit", -1 }, { "tilt", -1 }, { "envms", 160 }, { "time", 2980 }, { "drywet", 0.5f } } },
+        { "shortest delay, synced, forward, all noise", { { "time", 40 }, { "sync", 1 }, { "rev", 0 }, { "noise", 1 }, { "timbre", 1 }, { "envmod", 1 } } },
+        { "waveshaping, full vibrato, long envelope", { { "ws", 1 }, { "vibrato", 1 }, { "attack", 2 }, { "decay", 4 }, { "sustain", 1 }, { "release", 4 } } },
     };
     auto run = [] (const juce::String& name, const P& settings, double rate, double seconds, juce::int64 seed)
     {
         StressRig rig (rate, 512);
-        for (const auto& [index, value] : settings)
-            rig.setParameter (index, value);
+        rig.set (settings);
         juce::Random random (seed);
         ChordPlayer chords { random, (juce::int64) (rate * 0.4), 8 };
         play (rig, random, rate, 512, stressSeconds (seconds), [&] (juce::MidiBuffer& m, juce::int64, juce::int64 position, int n, juce::Random&) { chords.addEvents (m, position, n); });
@@ -337,4 +322,25 @@ TEST (Stress, StateRestoresAndAutomationFromAnotherThreadWhileAudioRuns)
     running = false;
     audio.join();
     rig.expectHealthy ("while audio runs: " + juce::String (restores) + " restores, " + juce::String (changes) + " changes");
+}
+
+// Every case above relies on this record: one that never counts would let them all pass.
+TEST (RealTimeSafety, RecordSeesAllocationsAndLocksOfThisThread)
+{
+    if (! ScopedRealTimeRecord::isActive())
+        GTEST_SKIP() << "AddressSanitizer owns the allocator and the locks";
+    std::mutex a, b;
+    ScopedRealTimeRecord record;
+    int* volatile p = new int (3);
+    delete p;
+    void* volatile q = std::malloc (24);
+    std::free (q);
+    for (int i = 0; i < 3; ++i)
+    {
+        std::lock_guard<std::mutex> first (a);
+        std::lock_guard<std::mutex> second (b);
+    }
+    EXPECT_EQ (record.getNews(), 1u);
+    EXPECT_EQ (record.getMallocs(), 1u);
+    EXPECT_EQ (record.getDistinctMutexes(), 2u);
 }

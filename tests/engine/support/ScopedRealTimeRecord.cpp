@@ -10,14 +10,12 @@
 #include <new>
 
 // GCC says so with a macro, clang only through __has_feature.
-#if defined(__SANITIZE_ADDRESS__)
-  #define ONDRIVEL_ADDRESS_SANITIZER 1
-#elif defined(__has_feature)
-  #if __has_feature(address_sanitizer)
-    #define ONDRIVEL_ADDRESS_SANITIZER 1
-  #endif
+#ifndef __has_feature
+  #define __has_feature(feature) 0
 #endif
-#ifndef ONDRIVEL_ADDRESS_SANITIZER
+#if defined(__SANITIZE_ADDRESS__) || __has_feature(address_sanitizer)
+  #define ONDRIVEL_ADDRESS_SANITIZER 1
+#else
   #define ONDRIVEL_ADDRESS_SANITIZER 0
 #endif
 

@@ -17,7 +17,7 @@ struct TestProcessor
         processor->prepareToPlay (sampleRate, blockSize);
     }
 
-    void set (std::initializer_list<std::pair<const char*, float>> values)
+    void set (const std::vector<std::pair<const char*, float>>& values)
     {
         for (const auto& [id, value] : values)
         {
