@@ -266,8 +266,23 @@ bool BlockDelay::canRest (const float* left, const float* right, int numSamples,
 
 void BlockDelay::rest (int numSamples) noexcept
 {
-    for (int i = 0; i < numSamples; ++i)
+    for (int i = 0; i < numSamples;)
     {
+        // Between the two ramps the envelope holds and the positions only count, so a run that
+        // neither reaches the tail ramp nor wraps is taken in one step.
+        const int run = std::min ({ numSamples - i, blockLen - rampLen - writePos + 1, blockLen - 1 - writePos });
+        if (writePos >= std::max (rampLen, 1) && run > 1)
+        {
+            stepEnvelope();
+            if (reverse)
+                readPos -= run;
+            else
+                readPos = writePos + run - 2;
+            writePos += run;
+            i += run;
+            continue;
+        }
+
         stepEnvelope();
         const int p = tapBehindWrite();
         if (! reverse)
@@ -285,5 +300,6 @@ void BlockDelay::rest (int numSamples) noexcept
             if (reverse)
                 readPos = blockLen - 1;
         }
+        ++i;
     }
 }

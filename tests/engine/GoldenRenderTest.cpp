@@ -106,6 +106,8 @@ TEST (GoldenRender, EveryModuleRateAndBlockSizeRendersTheRecordedBits)
         { "full patch, odd blocks", 44100, 7, with (fullPatch, { { I::pre, 0.0f }, { I::time, 200.0f } }), stealing, 0.5, 0x45ce17b328a2e752ull },
         { "full patch, long blocks", 96000, 4096, fullPatch, stealing, 0.6, 0x48051e67fcd77e97ull },
         { "wake after silence", 48000, 256, with (fullPatch, { { I::bp3, 0.0f }, { I::reverb, 0.0f }, { I::fdbk, 0.0f }, { I::time, 100.0f } }), afterSilence, 3.0, 0xe3f630fbdd2e5a8bull },
+        { "delay rests and wakes forward", 44100, 7, { { I::time, 700.0f }, { I::fdbk, 0.0f }, { I::envms, 40.0f }, { I::rev, 0.0f }, { I::reverb, 0.0f } }, afterSilence, 4.0, 0x1a94f0f0279df1aull },
+        { "delay rests and wakes reversed", 48000, 1000, { { I::time, 333.0f }, { I::fdbk, 0.0f }, { I::envms, 150.0f }, { I::reverb, 0.0f } }, afterSilence, 4.0, 0xf9edac0e80e043e7ull },
         { "wake with reverb", 44100, 256, with (fullPatch, { { I::time, 100.0f } }), afterSilence, 3.0, 0xde2de24ab234d324ull },
     };
     for (const auto& c : cases)
