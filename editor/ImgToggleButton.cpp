@@ -72,6 +72,8 @@ void ImgToggleButton::addTap (juce::uint32 timeMs)
         tapInterval = juce::roundToInt (tapMeanMs);
         tapIntervalIsNew = true;
         tapCount = 0;
+        if (onNewTapInterval)
+            onNewTapInterval();
     }
 }
 

@@ -31,6 +31,8 @@ public:
     juce::String getTapText() const;
 
     std::function<void()> rightClickAction;
+    // Called when a fourth tap has made a new interval.
+    std::function<void()> onNewTapInterval;
     bool showTapText = false;
 
 private:

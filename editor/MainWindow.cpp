@@ -148,6 +148,7 @@ MainWindow::MainWindow (KestruneAudioProcessor& p)
     tapButton.setComponentID ("tap");
     tapButton.setTooltip (getHelpFor ("tap"));
     tapButton.showTapText = true;
+    tapButton.onNewTapInterval = [this] { startTimer (followMs); };
     tapButton.setBounds (453, 185, 32, 28);
     addAndMakeVisible (tapButton);
     syncClicked();
@@ -196,7 +197,7 @@ MainWindow::MainWindow (KestruneAudioProcessor& p)
     presetsToolbar.setBounds (toolbarArea);
     addAndMakeVisible (presetsToolbar);
 
-    startTimer (20);
+    startTimer (followMs);
     settings.dataFolder = processor.dataFolder;
     settings.read();
     scaledWidth = settings.windowWidth;
@@ -415,10 +416,26 @@ void MainWindow::componentChildrenChanged (juce::Component& component)
     applyControlFont (component);
 }
 
+void MainWindow::parentSizeChanged()
+{
+    startTimer (followMs);
+}
+
+void MainWindow::parentHierarchyChanged()
+{
+    startTimer (followMs);
+}
+
+bool MainWindow::widthToFollow() const
+{
+    const auto* parent = getParentComponent();
+    return parent != nullptr && parent->getWidth() != scaledWidth;
+}
+
 void MainWindow::timerCallback()
 {
     auto* parent = getParentComponent();
-    if (parent != nullptr && parent->getWidth() != scaledWidth)
+    if (widthToFollow())
     {
         // While the corner resizer is dragged the editor leads; the panel follows once it is let go.
         bool pointerBusy = false;
@@ -450,6 +467,10 @@ void MainWindow::timerCallback()
         }
         tapButton.clearNewTapInterval();
     }
+
+    // Nothing to follow: no wake-ups while the panel is left alone; a resize or a tap starts it again.
+    if (! widthToFollow())
+        stopTimer();
 }
 
 //==============================================================================

@@ -32,6 +32,9 @@ public:
 
     void paint (juce::Graphics&) override;
     void resized() override;
+    void parentSizeChanged() override;
+    void parentHierarchyChanged() override;
+    // Follows a new width and writes a tapped tempo; it stops once neither is pending.
     void timerCallback() override;
 
     // The compiler's date ("Mar  9 2025") as the brand bar shows it ("9 Mar 2025").
@@ -98,6 +101,9 @@ private:
     void syncClicked();
     void bindToggleButton (int index, juce::TextButton& button, juce::Rectangle<int> bounds);
     static juce::String buildVersionText (juce::AudioProcessor::WrapperType);
+    bool widthToFollow() const;
+
+    static constexpr int followMs = 20;
 
     JUCE_DECLARE_NON_COPYABLE_WITH_LEAK_DETECTOR (MainWindow)
 };

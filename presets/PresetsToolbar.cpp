@@ -16,8 +16,9 @@ PresetsToolbar::PresetsToolbar (PresetManager& presetManager, juce::UndoManager*
             nameButton.setButtonText ("failed!");
         else if (preset->name != nameButton.getButtonText())
             nameButton.setButtonText (preset->name);
+        wake();
     };
-    manager.onProgramModified = [] {};
+    manager.onProgramModified = [this] { wake(); };
 
     nameButton.setButtonText (manager.getCurrentProgram().name);
     nameButton.onClick = [this] { presetsPanel.toggle(); };
@@ -52,63 +53,111 @@ PresetsToolbar::PresetsToolbar (PresetManager& presetManager, juce::UndoManager*
     addAndMakeVisible (modificationsLabel);
     addAndMakeVisible (statusLabel);
 
+    if (undoManager != nullptr)
+        undoManager->addChangeListener (this);
+    presetsPanel.addComponentListener (this);
     startTimer (timerMs);
 }
 
 PresetsToolbar::~PresetsToolbar()
 {
     stopTimer();
+    if (undoManager != nullptr)
+        undoManager->removeChangeListener (this);
+    presetsPanel.removeComponentListener (this);
     // The manager outlives every editor.
     manager.onPresetChange = [] (const Preset*) {};
     manager.onProgramModified = [] {};
 }
 
-int PresetsToolbar::getModificationCount() const
+int PresetsToolbar::getModificationCount()
 {
-    // Each gesture opens a transaction of its own, and the framework's stored units say nothing of how
-    // many there are (one parameter write is one action of some tens of units): count the transactions.
     if (undoManager == nullptr)
         return 0;
-    return undoManager->getUndoDescriptions().size() + undoManager->getRedoDescriptions().size();
+    // The history's change message may still be queued (an edit flushed just now): take it first.
+    undoManager->dispatchPendingMessages();
+    if (historyChanged)
+    {
+        // Each gesture opens a transaction of its own, and the framework's stored units say nothing of
+        // how many there are (one parameter write is one action of some tens of units): count them.
+        historyChanged = false;
+        modificationCount = undoManager->getUndoDescriptions().size() + undoManager->getRedoDescriptions().size();
+    }
+    return modificationCount;
 }
 
-void PresetsToolbar::updateUndoColour()
+bool PresetsToolbar::updateUndoColour (bool force)
 {
     if (undoManager == nullptr)
-        return;
+        return false;
 
     const bool showOn = undoManager->canUndo();
+    if (showOn == undoShowsOnColour && ! force)
+        return false;
+    undoShowsOnColour = showOn;
     undoArea.setColour (juce::TextButton::buttonColourId,
                         getLookAndFeel().findColour (showOn ? juce::TextButton::buttonOnColourId : juce::TextButton::buttonColourId));
-    if (showOn != undoShowsOnColour)
-    {
-        undoShowsOnColour = showOn;
-        undoArea.repaint();
-    }
+    undoArea.repaint();
+    return true;
+}
+
+void PresetsToolbar::changeListenerCallback (juce::ChangeBroadcaster*)
+{
+    historyChanged = true;
+    wake();
+}
+
+void PresetsToolbar::wake()
+{
+    if (! isTimerRunning())
+        startTimer (timerMs);
 }
 
 void PresetsToolbar::timerCallback()
 {
-    if (undoManager != nullptr && ! undoManager->isPerformingUndoRedo())
+    bool quiet = true;
+    if (undoManager != nullptr && undoManager->isPerformingUndoRedo())
+        quiet = false;
+    else if (undoManager != nullptr)
     {
         const auto mods = getModificationCount();
-        modificationsLabel.setText ("mods " + juce::String (mods), juce::dontSendNotification);
-        updateUndoColour();
-        statusLabel.setText (mods != 0 ? "edited" : "original", juce::dontSendNotification);
+        if (mods != shownModifications)
+        {
+            shownModifications = mods;
+            modificationsLabel.setText ("mods " + juce::String (mods), juce::dontSendNotification);
+            statusLabel.setText (mods != 0 ? "edited" : "original", juce::dontSendNotification);
+            quiet = false;
+        }
+        if (updateUndoColour())
+            quiet = false;
 
         if (mods >= 1)
         {
-            if (manager.getCurrentProgram().edited.isValid())
+            if (manager.getCurrentProgram().edited.isValid() && ! manager.isModified())
+            {
                 manager.setModified (true);
+                quiet = false;
+            }
         }
-        else
+        else if (manager.isModified() || ! manager.getCurrentProgram().edited.isValid())
         {
+            // A new program (no baseline yet) or an edit that left no history: take the state as it is now.
             manager.rebaseline();
+            quiet = false;
         }
     }
 
     // Saving a program is not offered while the browser is open.
-    saveButton.setEnabled (! presetsPanel.isVisible());
+    const bool canSave = ! presetsPanel.isVisible();
+    if (saveOffered != (int) canSave)
+    {
+        saveOffered = (int) canSave;
+        saveButton.setEnabled (canSave);
+        quiet = false;
+    }
+
+    if (quiet)
+        stopTimer();
 }
 
 void PresetsToolbar::undoClicked()
@@ -208,5 +257,6 @@ void PresetsToolbar::lookAndFeelChanged()
     for (auto* button : { &nameButton, &nextButton, &previousButton, &saveButton })
         button->setColour (juce::TextButton::buttonColourId, buttonColour);
     statusLabel.setColour (juce::Label::textColourId, labelText);
+    updateUndoColour (true);
 }
 } // namespace velkaro

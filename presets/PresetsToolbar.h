@@ -13,7 +13,10 @@
 
 namespace velkaro
 {
-class PresetsToolbar : public juce::Component, public juce::Timer
+class PresetsToolbar : public juce::Component,
+                       public juce::Timer,
+                       private juce::ChangeListener,
+                       private juce::ComponentListener
 {
 public:
     PresetsToolbar (PresetManager& presetManager, juce::UndoManager* undoManagerToUse);
@@ -23,10 +26,13 @@ public:
     void resized() override;
     void parentSizeChanged() override;
     void lookAndFeelChanged() override;
+    // Shows the editing state; it stops once a tick finds nothing new, and whatever can change that
+    // state (the history, a load, an edit, the browser opening or closing) starts it again.
     void timerCallback() override;
 
     // Stored undo steps, one per gesture: it follows the history, not the distance from the preset.
-    int getModificationCount() const;
+    // Counted again only after the history has changed.
+    int getModificationCount();
 
     void undoClicked();
     void redoClicked();
@@ -47,12 +53,18 @@ public:
     PresetsPanel presetsPanel;
 
 private:
-    void updateUndoColour();
+    void changeListenerCallback (juce::ChangeBroadcaster*) override;
+    void componentVisibilityChanged (juce::Component&) override { wake(); }
+    void wake();
+    // True if the colour had to change.
+    bool updateUndoColour (bool force = false);
     void layOutPanels();
 
     PresetManager& manager;
     juce::UndoManager* undoManager = nullptr;
     bool undoShowsOnColour = false;
+    bool historyChanged = true;
+    int modificationCount = 0, shownModifications = -1, saveOffered = -1;
 
     JUCE_DECLARE_NON_COPYABLE_WITH_LEAK_DETECTOR (PresetsToolbar)
 };
