@@ -69,23 +69,23 @@ void FdnKernel::operator() (Arch, State& s, const double* input, double* output,
     constexpr int n = (int) B::size;
     alignas (32) double tapOut[2][width];
 
-    const I rowStep ((std::int64_t) width);
-    const I wrap ((std::int64_t) (s.ringLength * width));
-    const I lastRow ((std::int64_t) (s.ringLength * width - 1)); // any index above it has left the lines
+    alignas (32) double written[width];
+    const I one ((std::int64_t) 1);
 
     for (int t = 0; t < numSamples; ++t)
     {
-        double* const row = s.lines + s.writeIndex * width;
         const B in (input[t]);
         const B quarter (0.25);
         for (int v = 0; v < width; v += n)
-            (quarter * rowSums<B> (s.run + v, std::make_index_sequence<numLines> {}) + in).store_unaligned (row + v);
+            (quarter * rowSums<B> (s.run + v, std::make_index_sequence<numLines> {}) + in).store_aligned (written + v);
+        for (int i = 0; i < numLines; ++i)
+            s.lines[s.writeAt[i]] = written[i];
 
         if (watchTail)
         {
             bool quiet = true;
             for (int i = 0; i < numLines; ++i)
-                quiet = quiet && row[i] < FdnLines::restingLimit && row[i] > -FdnLines::restingLimit;
+                quiet = quiet && written[i] < FdnLines::restingLimit && written[i] > -FdnLines::restingLimit;
             s.quietTicks = quiet ? s.quietTicks + 1 : 0;
         }
 
@@ -126,18 +126,20 @@ void FdnKernel::operator() (Arch, State& s, const double* input, double* output,
         for (int v = 0; v < numLines; v += n)
             B::load_aligned (s.run + v).store_unaligned (s.run + numLines + v);
 
-        // Positions stay in [0, ringLength), so a wrap test gives what the modulo would.
-        if (++s.writeIndex >= s.ringLength)
-            s.writeIndex = 0;
+        // Each position wraps at its own line's end, as a modulo by the line's length would.
         for (int v = 0; v < width; v += n)
         {
-            I next = I::load_aligned (s.readAt[0] + v) + rowStep;
-            next = xsimd::select (next > lastRow, next - wrap, next);
+            const I last = I::load_aligned (s.lineLast + v);
+            const I length = I::load_aligned (s.lineLength + v);
+            I next = I::load_aligned (s.writeAt + v) + one;
+            xsimd::select (next > last, next - length, next).store_aligned (s.writeAt + v);
+            next = I::load_aligned (s.readAt[0] + v) + one;
+            next = xsimd::select (next > last, next - length, next);
             next.store_aligned (s.readAt[0] + v);
             if (! s.tapsShareReads)
             {
-                next = I::load_aligned (s.readAt[1] + v) + rowStep;
-                next = xsimd::select (next > lastRow, next - wrap, next);
+                next = I::load_aligned (s.readAt[1] + v) + one;
+                next = xsimd::select (next > last, next - length, next);
             }
             next.store_aligned (s.readAt[1] + v);
         }
