@@ -23,7 +23,7 @@ struct FdnLines
     alignas (32) std::int64_t readAt[2][width] {}; // element index of each tap's next read
     alignas (32) std::int64_t writeAt[width] {};   // element index of each line's next write
     alignas (32) std::int64_t lineLast[width] {};  // element index of each line's last sample
-    alignas (32) std::int64_t lineLength[width] {}; // lane 15 is a one-sample line no tick writes
+    alignas (32) std::int64_t lineLength[width] {}; // lane 15: sixteen samples no tick writes
     std::int64_t lineStart[width] {};
     alignas (32) double allpassCoefficient[width] {};
     long delayInt[width] {};

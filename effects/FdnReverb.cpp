@@ -109,7 +109,7 @@ void FdnReverb::updateLines()
         std::int64_t start = 0;
         for (int i = 0; i < FdnKernel::width; ++i)
         {
-            const std::int64_t length = i < numLines ? state.delayInt[i] + 1 : 1;
+            const std::int64_t length = i < numLines ? state.delayInt[i] + 1 : FdnKernel::width;
             state.lineStart[i] = start;
             state.lineLength[i] = length;
             state.lineLast[i] = start + length - 1;
