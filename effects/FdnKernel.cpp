@@ -8,15 +8,17 @@ void FdnKernel::chooseTap (State& s) noexcept
     const int tap = s.activeTap;
     for (int i = 0; i < numLines; ++i)
     {
-        const long row = (s.ringLength + s.writeIndex - s.delayInt[i]) % s.ringLength;
-        s.readAt[tap][i] = (std::int64_t) (row * width + i);
+        // The sample written delayInt ticks before the one just written.
+        const std::int64_t length = s.lineLength[i];
+        const std::int64_t written = s.writeAt[i] - s.lineStart[i];
+        s.readAt[tap][i] = s.lineStart[i] + (length + written - s.delayInt[i]) % length;
         double c = s.allpassCoefficient[i];
         if (c < -0.9999999) c = -0.9999999;
         if (c > 0.9999999) c = 0.9999999;
         s.coefficient[tap][i] = c;
     }
-    // The padding lane reads its own column, which no line uses.
-    s.readAt[tap][numLines] = (std::int64_t) (s.writeIndex * width + numLines);
+    // The padding lane reads its own sample, which no line uses.
+    s.readAt[tap][numLines] = s.lineStart[numLines];
 
     s.tapsShareReads = true;
     for (int i = 0; i < width; ++i)

@@ -5,7 +5,9 @@
 #pragma once
 
 #include <cstddef>
+#include <algorithm>
 #include <cstdint>
+#include <initializer_list>
 #include <type_traits>
 #include <utility>
 
@@ -68,82 +70,101 @@ void FdnKernel::operator() (Arch, State& s, const double* input, double* output,
     using I = xsimd::batch<std::int64_t, Arch>;
     constexpr int n = (int) B::size;
     alignas (32) double tapOut[2][width];
+    alignas (32) double written[width];
 
-    const I rowStep ((std::int64_t) width);
-    const I wrap ((std::int64_t) (s.ringLength * width));
-    const I lastRow ((std::int64_t) (s.ringLength * width - 1)); // any index above it has left the lines
-
-    for (int t = 0; t < numSamples; ++t)
+    for (int t = 0; t < numSamples;)
     {
-        double* const row = s.lines + s.writeIndex * width;
-        const B in (input[t]);
-        const B quarter (0.25);
-        for (int v = 0; v < width; v += n)
-            (quarter * rowSums<B> (s.run + v, std::make_index_sequence<numLines> {}) + in).store_unaligned (row + v);
-
-        if (watchTail)
-        {
-            bool quiet = true;
-            for (int i = 0; i < numLines; ++i)
-                quiet = quiet && row[i] < FdnLines::restingLimit && row[i] > -FdnLines::restingLimit;
-            s.quietTicks = quiet ? s.quietTicks + 1 : 0;
-        }
-
+        // The tap choice moves only the reads, so it may come before the tick's write.
         if (s.fadeCount == 0)
             chooseTap (s);
 
-        for (int v = 0; v < width; v += n)
+        // A span of ticks in which no position wraps and no tap is chosen: every position moves on
+        // by one per tick, so a tick finds its samples at the span's positions plus its offset.
+        std::int64_t span = std::min<std::int64_t> (numSamples - t, 16 - s.fadeCount);
+        for (int i = 0; i < width; ++i)
         {
-            // Once both taps have been pointed at the same delays they read the same samples.
-            const B read0 = gatherLines<Arch> (s.lines, s.readAt[0] + v);
-            const B read1 = s.tapsShareReads ? read0 : gatherLines<Arch> (s.lines, s.readAt[1] + v);
-            for (int tap = 0; tap < 2; ++tap)
-            {
-                const B x = tap == 0 ? read0 : read1;
-                const B c = B::load_aligned (s.coefficient[tap] + v);
-                const B y = (c * x + B::load_aligned (s.lastInput[tap] + v)) - c * B::load_aligned (s.lastOutput[tap] + v);
-                x.store_aligned (s.lastInput[tap] + v);
-                y.store_aligned (s.lastOutput[tap] + v);
-                y.store_aligned (tapOut[tap] + v);
-            }
+            span = std::min (span, s.lineLast[i] - s.writeAt[i] + 1);
+            span = std::min (span, s.lineLast[i] - s.readAt[0][i] + 1);
+            span = std::min (span, s.lineLast[i] - s.readAt[1][i] + 1);
         }
-
-        const B f (fadeTable[s.fadeCount]);
-        const B g (1.0 - fadeTable[s.fadeCount]);
-        const double* faded = tapOut[s.activeTap ^ 1];
-        const double* active = tapOut[s.activeTap];
-        for (int v = 0; v < width; v += n)
-        {
-            const B out = B::load_aligned (faded + v) * g + B::load_aligned (active + v) * f;
-            const B z = out * B::load_aligned (s.absorptionB + v) - B::load_aligned (s.absorptionA + v) * B::load_aligned (s.absorptionState + v);
-            z.store_aligned (s.absorptionState + v);
-            (z * B::load_aligned (s.lineGain + v)).store_aligned (s.run + v);
-        }
-
-        double sum = 0.0;
+        double* writeTo[numLines];
         for (int i = 0; i < numLines; ++i)
-            sum += s.run[i];
-        for (int v = 0; v < numLines; v += n)
-            B::load_aligned (s.run + v).store_unaligned (s.run + numLines + v);
+            writeTo[i] = s.lines + s.writeAt[i];
+        const bool shareReads = s.tapsShareReads;
 
-        // Positions stay in [0, ringLength), so a wrap test gives what the modulo would.
-        if (++s.writeIndex >= s.ringLength)
-            s.writeIndex = 0;
+        for (std::int64_t k = 0; k < span; ++k, ++t)
+        {
+            const B in (input[t]);
+            const B quarter (0.25);
+            // Unrolled, every term is one load folded into its add.
+#pragma GCC unroll 4
+            for (int v = 0; v < width; v += n)
+                (quarter * rowSums<B> (s.run + v, std::make_index_sequence<numLines> {}) + in).store_aligned (written + v);
+#pragma GCC unroll 15
+            for (int i = 0; i < numLines; ++i)
+                writeTo[i][k] = written[i];
+
+            if (watchTail)
+            {
+                bool quiet = true;
+                for (int i = 0; i < numLines; ++i)
+                    quiet = quiet && written[i] < FdnLines::restingLimit && written[i] > -FdnLines::restingLimit;
+                s.quietTicks = quiet ? s.quietTicks + 1 : 0;
+            }
+
+            const double* const lines = s.lines + k;
+            for (int v = 0; v < width; v += n)
+            {
+                // Once both taps have been pointed at the same delays they read the same samples.
+                const B read0 = gatherLines<Arch> (lines, s.readAt[0] + v);
+                const B read1 = shareReads ? read0 : gatherLines<Arch> (lines, s.readAt[1] + v);
+                for (int tap = 0; tap < 2; ++tap)
+                {
+                    const B x = tap == 0 ? read0 : read1;
+                    const B c = B::load_aligned (s.coefficient[tap] + v);
+                    const B y = (c * x + B::load_aligned (s.lastInput[tap] + v)) - c * B::load_aligned (s.lastOutput[tap] + v);
+                    x.store_aligned (s.lastInput[tap] + v);
+                    y.store_aligned (s.lastOutput[tap] + v);
+                    y.store_aligned (tapOut[tap] + v);
+                }
+            }
+
+            const B f (fadeTable[s.fadeCount]);
+            const B g (1.0 - fadeTable[s.fadeCount]);
+            const double* faded = tapOut[s.activeTap ^ 1];
+            const double* active = tapOut[s.activeTap];
+            for (int v = 0; v < width; v += n)
+            {
+                const B out = B::load_aligned (faded + v) * g + B::load_aligned (active + v) * f;
+                const B z = out * B::load_aligned (s.absorptionB + v) - B::load_aligned (s.absorptionA + v) * B::load_aligned (s.absorptionState + v);
+                z.store_aligned (s.absorptionState + v);
+                (z * B::load_aligned (s.lineGain + v)).store_aligned (s.run + v);
+            }
+
+            double sum = 0.0;
+            for (int i = 0; i < numLines; ++i)
+                sum += s.run[i];
+            for (int v = 0; v < numLines; v += n)
+                B::load_aligned (s.run + v).store_unaligned (s.run + numLines + v);
+
+            s.fadeCount = (s.fadeCount + 1) & 15;
+            output[t] = sum / 15.0;
+        }
+
+        // Each position wraps at its own line's end, as a modulo by the line's length would.
+        const I step ((std::int64_t) span);
         for (int v = 0; v < width; v += n)
         {
-            I next = I::load_aligned (s.readAt[0] + v) + rowStep;
-            next = xsimd::select (next > lastRow, next - wrap, next);
-            next.store_aligned (s.readAt[0] + v);
-            if (! s.tapsShareReads)
+            const I last = I::load_aligned (s.lineLast + v);
+            const I length = I::load_aligned (s.lineLength + v);
+            for (std::int64_t* at : { s.writeAt + v, s.readAt[0] + v, s.readAt[1] + v })
             {
-                next = I::load_aligned (s.readAt[1] + v) + rowStep;
-                next = xsimd::select (next > lastRow, next - wrap, next);
+                const I next = I::load_aligned (at) + step;
+                xsimd::select (next > last, next - length, next).store_aligned (at);
             }
-            next.store_aligned (s.readAt[1] + v);
         }
-        s.fadeCount = (s.fadeCount + 1) & 15;
-
-        output[t] = sum / 15.0;
+        // The padding lane stays on its first sample.
+        s.writeAt[numLines] = s.readAt[0][numLines] = s.readAt[1][numLines] = s.lineStart[numLines];
     }
 }
 

@@ -100,17 +100,27 @@ void FdnReverb::updateLines()
     }
 
     // A tap reads the sample written delayInt ticks before, so a line needs only that many plus one.
-    // Reads and writes wrap at the same length, so they meet the same samples as in a longer line.
-    const long longest = *std::max_element (state.delayInt, state.delayInt + numLines);
-    if (longest + 1 != state.ringLength || buffers.empty())
+    // Reads and writes wrap at the line's own length, so they meet the same samples as in a longer line.
+    bool sameLengths = ! buffers.empty();
+    for (int i = 0; i < numLines; ++i)
+        sameLengths = sameLengths && state.lineLength[i] == state.delayInt[i] + 1;
+    if (! sameLengths)
     {
-        state.ringLength = longest + 1;
-        buffers.assign ((size_t) state.ringLength * (size_t) FdnKernel::width, 0.0);
+        std::int64_t start = 0;
+        for (int i = 0; i < FdnKernel::width; ++i)
+        {
+            const std::int64_t length = i < numLines ? state.delayInt[i] + 1 : FdnKernel::width;
+            state.lineStart[i] = start;
+            state.lineLength[i] = length;
+            state.lineLast[i] = start + length - 1;
+            state.writeAt[i] = start;
+            state.readAt[0][i] = start;
+            state.readAt[1][i] = start;
+            start += length;
+        }
+        buffers.assign ((size_t) start, 0.0);
         state.lines = buffers.data();
-        state.writeIndex = 0;
-        for (auto& tap : state.readAt)
-            for (int i = 0; i < FdnKernel::width; ++i)
-                tap[i] = i;
+        state.ringLength = *std::max_element (state.delayInt, state.delayInt + numLines) + 1;
         state.tapsShareReads = true;
     }
 }
