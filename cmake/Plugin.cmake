@@ -31,14 +31,15 @@ find_path(XSIMD_INCLUDE_DIR xsimd/xsimd.hpp REQUIRED)
 target_include_directories(ondrivel PRIVATE ${XSIMD_INCLUDE_DIR})
 file(GLOB ONDRIVEL_AVX2_SOURCES CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/effects/*Avx2.cpp)
 set_source_files_properties(${ONDRIVEL_AVX2_SOURCES} PROPERTIES COMPILE_OPTIONS "-mavx2")
-# The sound's own loops may also be vectorised by the compiler: without fast-math it only puts
-# independent elements side by side, each with its own operations, and never reorders a sum.
+# The sound's own files are built at -O3: the compiler may then vectorise and unroll their loops, and
+# without fast-math it only puts independent elements side by side, each with its own operations,
+# and never reorders a sum (the golden renders pin every output bit).
 # Nothing reads the floating-point exception flags, so comparisons may be worked out for every
 # element (-fno-trapping-math changes no value; it lets limits and selections become vector code).
 file(GLOB ONDRIVEL_DSP_SOURCES CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/effects/*.cpp ${CMAKE_SOURCE_DIR}/voice/*.cpp
   ${CMAKE_SOURCE_DIR}/core/KestruneAudioProcessor.cpp)
-set_source_files_properties(${ONDRIVEL_DSP_SOURCES} PROPERTIES COMPILE_OPTIONS "-ftree-vectorize;-fno-trapping-math")
-set_source_files_properties(${ONDRIVEL_AVX2_SOURCES} PROPERTIES COMPILE_OPTIONS "-mavx2;-ftree-vectorize;-fno-trapping-math")
+set_source_files_properties(${ONDRIVEL_DSP_SOURCES} PROPERTIES COMPILE_OPTIONS "-O3;-fno-trapping-math")
+set_source_files_properties(${ONDRIVEL_AVX2_SOURCES} PROPERTIES COMPILE_OPTIONS "-mavx2;-O3;-fno-trapping-math")
 
 include(${CMAKE_SOURCE_DIR}/cmake/Resources.cmake OPTIONAL)
 include(${CMAKE_SOURCE_DIR}/cmake/EditorResources.cmake)
