@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "effects/PhaseVocoderKernel.h"
 #include "effects/SilenceCheck.h"
 
 
@@ -30,6 +31,13 @@ const HannTable& hannTable()
 {
     static const HannTable table;
     return table;
+}
+
+// Chooses the widest instruction set the processor has, once.
+auto& kernelDispatch()
+{
+    static auto dispatch = xsimd::dispatch<xsimd::arch_list<xsimd::avx2, xsimd::sse2>> (PhaseVocoderKernel {});
+    return dispatch;
 }
 } // namespace
 
@@ -206,36 +214,36 @@ void Octaver::processFrame() noexcept
         anaMagn[(size_t) k] = (float) (2.0 * std::sqrt (re * re + im * im));
     }
 
+    // A frequency nothing reads needs no phase yet: the bins wait for the frame that does.
     for (int k = 0; k < bins; ++k)
-    {
-        // A frequency nothing reads needs no phase yet: the bins wait for the frame that does.
         if (binTarget[(size_t) k] < 0)
         {
             pendingRe[(size_t) k] = ws[2 * k];
             pendingIm[(size_t) k] = ws[2 * k + 1];
             phasePending[(size_t) k] = true;
-            continue;
         }
+    for (long j = 0; j < targetCount; ++j)
+    {
+        const long k = targetBins[(size_t) j];
         if (phasePending[(size_t) k])
         {
             lastPhase[(size_t) k] = (float) std::atan2 ((double) pendingIm[(size_t) k], (double) pendingRe[(size_t) k]);
             phasePending[(size_t) k] = false;
         }
-
-        const double phase = std::atan2 ((double) ws[2 * k + 1], (double) ws[2 * k]);
-
-        double d = phase - lastPhase[(size_t) k] - (double) k * expectedPhaseStep;
-        lastPhase[(size_t) k] = (float) phase;
-
-        // Wrap the phase deviation into [-pi, pi]: round d / pi to an even multiple.
-        long q = (long) (d / pi);
-        if (q >= 0)
-            q += q & 1;
-        else
-            q -= q & 1;
-        d = d - pi * (double) q;
-
-        anaFreq[(size_t) k] = (float) (binFrequency * (d * (double) oversampling / (2.0 * pi)) + binFrequency * (double) k);
+        gatheredRe[(size_t) j] = ws[2 * k];
+        gatheredIm[(size_t) j] = ws[2 * k + 1];
+        gatheredLastPhase[(size_t) j] = lastPhase[(size_t) k];
+    }
+    // The phase comes back in place of the real part, the frequency in place of the imaginary.
+    const PhaseVocoderKernel::Analysis analysis { gatheredRe.data(), gatheredIm.data(), gatheredLastPhase.data(),
+                                                  targetBinValues.data(), gatheredRe.data(), gatheredIm.data(),
+                                                  targetCount, expectedPhaseStep, binFrequency, (double) oversampling };
+    kernelDispatch() (analysis);
+    for (long j = 0; j < targetCount; ++j)
+    {
+        const long k = targetBins[(size_t) j];
+        lastPhase[(size_t) k] = (float) gatheredRe[(size_t) j];
+        anaFreq[(size_t) k] = (float) gatheredIm[(size_t) j];
     }
 
     // Only the bins up to half the frame are ever written or read. Every bin's magnitude lands on its
@@ -259,20 +267,7 @@ void Octaver::processFrame() noexcept
         sumPhase[(size_t) k] = (float) (d + sumPhase[(size_t) k]);
     }
 
-    for (int k = 0; k < bins; ++k)
-    {
-        const double phase = sumPhase[(size_t) k];
-        // An empty bin gives zeros whatever its phase; a zero's sign never reaches the output, as the
-        // overlap-add starts from +0 and adds.
-        if (juce::exactlyEqual (synMagn[(size_t) k], 0.0f) && std::isfinite (phase))
-        {
-            ws[2 * k] = 0.0f;
-            ws[2 * k + 1] = 0.0f;
-            continue;
-        }
-        ws[2 * k] = (float) (synMagn[(size_t) k] * std::cos (phase));
-        ws[2 * k + 1] = (float) (synMagn[(size_t) k] * std::sin (phase));
-    }
+    kernelDispatch() (PhaseVocoderKernel::Synthesis { synMagn.data(), sumPhase.data(), ws, bins });
 
     std::fill (ws + 2 * (halfFrame + 1), ws + 2 * frameSize, 0.0f);
 
@@ -308,4 +303,12 @@ void Octaver::updateBinUse() noexcept
         const long index = binIndex[(size_t) k];
         binTarget[(size_t) k] = index >= 0 && lastSource[(size_t) index] == k ? index : -1;
     }
+    targetCount = 0;
+    for (long k = 0; k <= halfFrame; ++k)
+        if (binTarget[(size_t) k] >= 0)
+        {
+            targetBins[(size_t) targetCount] = k;
+            targetBinValues[(size_t) targetCount] = (double) k;
+            ++targetCount;
+        }
 }

@@ -60,6 +60,13 @@ private:
     std::array<float, maxFrameSize / 2 + 1> pendingIm {};
     float binUseRatio = 0.0f;
     std::array<long, maxFrameSize / 2 + 1> binSource {}; // the last bin landing on each index
+    // The bins whose frequency is kept, in order, and a frame's values of them gathered for the kernel.
+    std::array<long, maxFrameSize / 2 + 1> targetBins {};
+    std::array<double, maxFrameSize / 2 + 1> targetBinValues {};
+    long targetCount = 0;
+    std::array<double, maxFrameSize / 2 + 1> gatheredRe {};
+    std::array<double, maxFrameSize / 2 + 1> gatheredIm {};
+    std::array<double, maxFrameSize / 2 + 1> gatheredLastPhase {};
 
     // The synthesis phase step of each bin in the last frame; a silent frame repeats it.
     std::array<double, maxFrameSize / 2 + 1> phaseStep {};
