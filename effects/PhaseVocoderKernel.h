@@ -47,8 +47,9 @@ struct PhaseVocoderKernel
     {
         const double phase = std::atan2 (a.im[i], a.re[i]);
         double d = phase - a.lastPhase[i] - a.bin[i] * a.expectedPhaseStep;
-        // Wrap the phase deviation into [-pi, pi]: round d / pi to an even multiple.
-        long q = (long) (d / pi);
+        // Wrap the phase deviation into [-pi, pi]: round d / pi to an even multiple. A NaN (from a NaN
+        // input) stays NaN and is not converted.
+        long q = std::isnan (d) ? 0 : (long) (d / pi);
         if (q >= 0)
             q += q & 1;
         else
