@@ -5,7 +5,7 @@
 //
 //   ondrivel-bench render --plugin B --patch full|default|note|idle [--instances N] [--seconds S]
 //   ondrivel-bench memory --plugin B [--rate HZ]
-//   ondrivel-bench panel  --plugin B --width PX|0 [--left PX] [--windows K] [--seconds S]
+//   ondrivel-bench panel  --plugin B --width PX|0 [--left PX] [--frame-only] [--windows K] [--seconds S]
 //   ondrivel-bench soak   [--plugin B] [--seconds S]
 #include <algorithm>
 #include <cmath>
@@ -94,6 +94,7 @@ int panelMode (const juce::File& bundle, const juce::StringArray& args)
     PanelCost::Request request;
     request.width = option (args, "--width", "880").getIntValue();
     request.left = option (args, "--left", "0").getIntValue();
+    request.frameOnly = args.contains ("--frame-only");
     request.windows = option (args, "--windows", "4").getIntValue();
     request.windowSeconds = option (args, "--seconds", "2").getDoubleValue();
     PanelCost::Result result;

@@ -75,7 +75,8 @@ bool PanelCost::measure (const juce::File& bundle, const Request& request, Resul
     if (host == nullptr)
         return false;
     // Width 0: the plug-in loaded and its panel closed, what the host and the processor cost alone.
-    std::unique_ptr<juce::AudioProcessorEditor> editor;
+    // Frame only: a blank window of the panel's size, what a host's window costs with nothing of ours in it.
+    std::unique_ptr<juce::Component> editor;
     if (width > 0)
     {
         editor.reset (host->getInstance().createEditor());
@@ -83,6 +84,13 @@ bool PanelCost::measure (const juce::File& bundle, const Request& request, Resul
         {
             error = "the plug-in has no editor";
             return false;
+        }
+        if (request.frameOnly)
+        {
+            const auto size = editor->getBounds();
+            editor = std::make_unique<juce::Component>();
+            editor->setBounds (size);
+            editor->setOpaque (true);
         }
         editor->setTopLeftPosition (request.left, 0);
         editor->addToDesktop (0);

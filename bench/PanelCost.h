@@ -14,6 +14,7 @@ public:
     {
         int width = 880;    // 0: the plug-in loaded without opening its panel
         int left = 0;       // the window's position on the screen
+        bool frameOnly = false; // a blank window of the panel's size instead of the panel: the host's own share
         int windows = 4;
         double windowSeconds = 2.0;
     };

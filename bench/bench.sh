@@ -93,22 +93,32 @@ for b in "${builds[@]}"; do
   done
 done
 # Both panels at once, side by side on one virtual screen, so that whatever else the machine does
-# weighs on both alike; two rounds, the median of all their windows.
-panel_pair() { # width -> base and this tree's results added to $out/panel.{base,this}.<width>
-  xvfb-run -a -s "-screen 0 3840x2160x24" bash -c 'set -e; "$1" panel --plugin "$2" --width "$4" >> "$5/panel.base.$4" & base=$!
-    "$1" panel --plugin "$3" --width "$4" --left 1900 >> "$5/panel.this.$4"; wait $base' \
-    panel "$bench" "${bundle[base]}" "${bundle[this]}" "$1" "$out"
+# weighs on both alike; two rounds, the median of all their windows. A case is a width (0: the panel
+# closed) and "frame" for a blank window of the panel's size in its place: what the host's own window
+# costs; the panel's own cost is what the open panel adds to it.
+panel_pair() { # width [frame] -> base and this tree's results added to $out/panel.{base,this}.<width>[frame]
+  local flag="" tag="$1"
+  if [ "${2:-}" = frame ]; then flag=--frame-only; tag="$1frame"; fi
+  xvfb-run -a -s "-screen 0 3840x2160x24" bash -c 'set -e; "$1" panel --plugin "$2" --width "$4" $6 >> "$5/panel.base.$7" & base=$!
+    "$1" panel --plugin "$3" --width "$4" $6 --left 1900 >> "$5/panel.this.$7"; wait $base' \
+    panel "$bench" "${bundle[base]}" "${bundle[this]}" "$1" "$out" "$flag" "$tag"
 }
 rm -f "$out"/panel.*
+panel_cases=(0 880 880frame 1760 1760frame)
 for round in 1 2; do
-  for width in 0 880 1760; do panel_pair $width; done
+  for case in "${panel_cases[@]}"; do panel_pair "${case%frame}" "$([ "$case" != "${case%frame}" ] && echo frame)"; done
 done
-for width in 0 880 1760; do
+for case in "${panel_cases[@]}"; do
   for b in "${builds[@]}"; do
-    panel[$b.$width]=$(median $(awk '$1 == "panel_percent" { $1 = ""; print }' "$out/panel.$b.$width"))
-    for shown in $(awk '$1 == "shown_width" { print $2 }' "$out/panel.$b.$width"); do
-      [ "$shown" = "$width" ] || echo "bench: the $b panel opened $shown px wide instead of $width" >&2
+    panel[$b.$case]=$(median $(awk '$1 == "panel_percent" { $1 = ""; print }' "$out/panel.$b.$case"))
+    for shown in $(awk '$1 == "shown_width" { print $2 }' "$out/panel.$b.$case"); do
+      [ "$shown" = "${case%frame}" ] || echo "bench: the $b panel ($case) opened $shown px wide instead of ${case%frame}" >&2
     done
+  done
+done
+for width in 880 1760; do
+  for b in "${builds[@]}"; do
+    panel[$b.${width}own]=$(awk -v a="${panel[$b.$width]}" -v f="${panel[$b.${width}frame]}" 'BEGIN { printf "%.4f", a - f }')
   done
 done
 
@@ -159,8 +169,12 @@ row "16 instances: CPU s / audio s" "${cpu[base.x16]}" "${cpu[this.x16]}" "$cpu_
 row "16 instances: instructions / audio s" "$(m "${instr[base.x16]}")" "$(m "${instr[this.x16]}")" "$mega" "16 x one +-10 %: $scale_instr" "$scale_instr" "~" 0.10
 row "memory, one instance, 48 kHz (MB)" "${memory[base.48000]}" "${memory[this.48000]}" "%.1f" "<= 16 MB" "${memory[this.48000]}" "<=" 16
 row "memory, one instance, 96 kHz (MB)" "${memory[base.96000]}" "${memory[this.96000]}" "%.1f" "<= 2 x 48 kHz: $memory_growth" "$memory_growth" "<=" 2
-row "panel closed (% of a core)" "${panel[base.0]}" "${panel[this.0]}" "%.2f" "(the host's own share)"
-row "open panel, 880 px (% of a core)" "${panel[base.880]}" "${panel[this.880]}" "%.2f" "<= 1 %" "${panel[this.880]}" "<=" 1
-row "open panel, 1760 px (% of a core)" "${panel[base.1760]}" "${panel[this.1760]}" "%.2f" "<= 2 %" "${panel[this.1760]}" "<=" 2
+row "panel closed (% of a core)" "${panel[base.0]}" "${panel[this.0]}" "%.2f" "(the host and the processor)"
+row "host window alone, 880 px (% of a core)" "${panel[base.880frame]}" "${panel[this.880frame]}" "%.2f" "(a blank window of the panel's size)"
+row "open panel, 880 px (% of a core)" "${panel[base.880]}" "${panel[this.880]}" "%.2f" "(the process in all)"
+row "  the panel's own, 880 px" "${panel[base.880own]}" "${panel[this.880own]}" "%.2f" "<= 1 %" "${panel[this.880own]}" "<=" 1
+row "host window alone, 1760 px (% of a core)" "${panel[base.1760frame]}" "${panel[this.1760frame]}" "%.2f" "(a blank window of the panel's size)"
+row "open panel, 1760 px (% of a core)" "${panel[base.1760]}" "${panel[this.1760]}" "%.2f" "(the process in all)"
+row "  the panel's own, 1760 px" "${panel[base.1760own]}" "${panel[this.1760own]}" "%.2f" "<= 2 %" "${panel[this.1760own]}" "<=" 2
 echo
 echo "bench: $((SECONDS - started)) s; callgrind profiles in $out/callgrind.{base,this}.* (callgrind_annotate)"

@@ -5,6 +5,20 @@
 CustomMidiKeys::CustomMidiKeys (juce::MidiKeyboardState& state, Orientation orientation)
     : juce::MidiKeyboardComponent (state, orientation)
 {
+    // The framework's keyboard wakes 20 times a second to look for notes played elsewhere, even with
+    // nothing playing. The window's refresh, which runs anyway, does that looking instead.
+    stateTimer().stopTimer();
+}
+
+juce::Timer& CustomMidiKeys::stateTimer() noexcept
+{
+    // The framework keeps its timer as a private base; a C-style cast is the one way to reach it.
+    return *(juce::Timer*) this;
+}
+
+void CustomMidiKeys::refreshFromState()
+{
+    stateTimer().timerCallback();
 }
 
 void CustomMidiKeys::paint (juce::Graphics& g)

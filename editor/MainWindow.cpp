@@ -85,7 +85,6 @@ MainWindow::MainWindow (KestruneAudioProcessor& p)
     controlFont = fonts[1];
 
     panelImage = imageFromData (EditorData::panel_png, EditorData::panel_pngSize);
-    tooltipWindow.setMillisecondsBeforeTipAppears (100);
 
     backgroundImage = panelImage;
     pictureButton.setToggleState (true, juce::dontSendNotification);
@@ -103,8 +102,7 @@ MainWindow::MainWindow (KestruneAudioProcessor& p)
     // Set on the panel and its tooltip window too, so that neither ever shows another panel's look or
     // the framework's own when the process default changes hands.
     setLookAndFeel (defaultLookAndFeel.get());
-    tooltipWindow.setLookAndFeel (defaultLookAndFeel.get());
-    tooltipWindow.panel = this;
+    tooltips.setLookAndFeel (defaultLookAndFeel.get());
     openPanelLooks().push_back (defaultLookAndFeel.get());
     juce::LookAndFeel::setDefaultLookAndFeel (defaultLookAndFeel.get());
 
@@ -208,11 +206,11 @@ MainWindow::MainWindow (KestruneAudioProcessor& p)
     tooltipsButton.setTooltip ("tooltips");
     tooltipsButton.onClick = [this]
     {
-        tooltipWindow.enabled = tooltipsButton.getToggleState();
+        tooltips.setEnabled (tooltipsButton.getToggleState());
         settings.showTooltips = tooltipsButton.getToggleState() ? 1 : 0;
     };
     tooltipsButton.setToggleState (settings.showTooltips > 0, juce::dontSendNotification);
-    tooltipWindow.enabled = tooltipsButton.getToggleState();
+    tooltips.setEnabled (tooltipsButton.getToggleState());
 
     undoGestures.watchKeysOf (*this);
 }
@@ -229,7 +227,7 @@ MainWindow::~MainWindow()
             slider->removeComponentListener (this);
     if (sliders[ParameterIndex::pitch] != nullptr)
         sliders[ParameterIndex::pitch]->setLookAndFeel (nullptr);
-    tooltipWindow.setLookAndFeel (nullptr);
+    tooltips.setLookAndFeel (nullptr);
     setLookAndFeel (nullptr);
 
     // The process-wide default must not point at a look-and-feel that is about to go: it passes to the

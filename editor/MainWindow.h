@@ -18,7 +18,7 @@
 #include "editor/LookAndFeel_SimplyCenteredTextButtons.h"
 #include "editor/LookAndFeel_sixX2Knob.h"
 #include "editor/NameDisplay.h"
-#include "editor/myToolTipWindow.h"
+#include "editor/PanelTooltips.h"
 #include "presets/PresetsToolbar.h"
 #include "presets/UndoGestureTracker.h"
 
@@ -85,7 +85,7 @@ public:
     velkaro::PresetsToolbar presetsToolbar;
     velkaro::UndoGestureTracker undoGestures; // one undo step per gesture on the panel
     DrawableBar brandBar;
-    myToolTipWindow tooltipWindow;
+    PanelTooltips tooltips { *this };
 
     juce::Image panelImage, backgroundImage, brandBarImage;
     juce::File resourcesFolder, savedBackgroundFile;

@@ -2,14 +2,16 @@
 // Silencing by an empty tip keeps every control's tooltip text in place for when tips come back.
 #include "editor/myToolTipWindow.h"
 
-juce::String myToolTipWindow::getTipFor (juce::Component& component)
+#include "editor/PanelTooltips.h"
+
+myToolTipWindow::myToolTipWindow (const PanelTooltips& owner)
+    : juce::TooltipWindow (nullptr, 100), tips (owner)
 {
-    if (! shows (component))
-        return {};
-    return juce::TooltipWindow::getTipFor (component);
 }
 
-bool myToolTipWindow::shows (const juce::Component& component) const
+juce::String myToolTipWindow::getTipFor (juce::Component& component)
 {
-    return enabled && (panel == nullptr || panel == &component || panel->isParentOf (&component));
+    if (! tips.shows (component))
+        return {};
+    return juce::TooltipWindow::getTipFor (component);
 }

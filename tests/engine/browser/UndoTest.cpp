@@ -103,6 +103,9 @@ TEST_F (UndoJourney, ReopeningTheEditorKeepsTheLoadedPresetItsTweaksAndItsHistor
     openEditor();
     pump (300); // the toolbar shows the state once, then its timers sleep: a panel left alone does no work
     EXPECT_FALSE (toolbar().isTimerRunning() || panel().isTimerRunning());
+    // Nor do the keyboard (the window's refresh looks at its notes) and the tooltips (no mouse over the panel).
+    EXPECT_FALSE (((juce::Timer&) panel().keyboard).isTimerRunning());
+    EXPECT_EQ (panel().tooltips.getWindow(), nullptr);
     EXPECT_TRUE (state().isEquivalentTo (tweaked));
     EXPECT_EQ (toolbar().nameButton.getButtonText(), "Bravo");
     EXPECT_EQ (toolbar().modificationsLabel.getText(), "mods 2");

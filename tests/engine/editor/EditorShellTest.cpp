@@ -2,6 +2,7 @@
 // The editor opens at the remembered width with the panel's aspect, whatever the settings file holds,
 // follows host resizes, paints at every scale, and keeps its own look beside another instance's panel.
 #include "EditorFixture.h"
+#include "HostEnvironment.h"
 
 TEST_F (EditorFixture, OpensAtTheRememberedWidthWhateverTheSettingsFileHolds)
 {
@@ -97,9 +98,9 @@ TEST_F (EditorFixture, TwoInstancesPanelsKeepTheirOwnLookAndTooltipsWhicheverClo
         // Each panel's tooltips switch governs its own panel only.
         closing.tooltipsButton.triggerClick();
         pump();
-        EXPECT_FALSE (closing.tooltipWindow.shows (*closing.sliders[ParameterIndex::time]));
-        EXPECT_TRUE (w.tooltipWindow.shows (*w.sliders[ParameterIndex::time]));
-        EXPECT_FALSE (w.tooltipWindow.shows (*closing.sliders[ParameterIndex::time])) << "another panel's tip";
+        EXPECT_FALSE (closing.tooltips.shows (*closing.sliders[ParameterIndex::time]));
+        EXPECT_TRUE (w.tooltips.shows (*w.sliders[ParameterIndex::time]));
+        EXPECT_FALSE (w.tooltips.shows (*closing.sliders[ParameterIndex::time])) << "another panel's tip";
 
         // Closing one panel changes the process default; an on-screen panel hears of it as this one does.
         firstClosesFirst ? closeEditor() : other.reset();
@@ -119,4 +120,39 @@ TEST_F (EditorFixture, BrandBarShowsTheBuildDateWithoutAPaddedDay)
     openEditor();
     const auto date = panel().brandBar.versionText.fromFirstOccurrenceOf ("[", false, false).upToFirstOccurrenceOf ("]", false, false);
     EXPECT_TRUE (juce::CharacterFunctions::isDigit (date[0]) && ! date.contains ("  ") && date.length() >= 10) << date;
+}
+
+// On a screen, the panel's tooltip window (which polls the mouse) exists only while the mouse is over
+// the panel, and serves the control under it.
+TEST_F (EditorFixture, OnScreenTheTooltipWindowComesWithTheMouseAndGoesWithIt)
+{
+    if (juce::SystemStats::getEnvironmentVariable ("DISPLAY", {}).isEmpty())
+        GTEST_SKIP() << "needs an X display";
+    const HostEnvironment lenientXErrors;
+    auto& shown = openEditor();
+    shown.setTopLeftPosition (0, 0);
+    shown.addToDesktop (0);
+    shown.setVisible (true);
+    pump (300);
+    // The pointer moved, and the move as the window system reports it to the panel's window.
+    const auto moveMouseTo = [&shown] (juce::Point<float> position)
+    {
+        juce::Desktop::getInstance().getMainMouseSource().setScreenPosition (shown.localPointToGlobal (position));
+        shown.getPeer()->handleMouseEvent (juce::MouseInputSource::InputSourceType::mouse, position, {},
+                                           juce::MouseInputSource::defaultPressure, juce::MouseInputSource::defaultOrientation,
+                                           juce::Time::currentTimeMillis());
+    };
+    const juce::Point<float> outside { -50.0f, -50.0f };
+    moveMouseTo (outside);
+    pump (300);
+    EXPECT_EQ (panel().tooltips.getWindow(), nullptr);
+
+    auto& knob = *panel().sliders[ParameterIndex::time];
+    moveMouseTo (shown.getLocalPoint (&knob, knob.getLocalBounds().getCentre()).toFloat());
+    pump (300);
+    ASSERT_NE (panel().tooltips.getWindow(), nullptr);
+    EXPECT_TRUE (panel().tooltips.shows (knob) && knob.getTooltip().isNotEmpty());
+    moveMouseTo (outside);
+    pump (300);
+    EXPECT_EQ (panel().tooltips.getWindow(), nullptr);
 }
