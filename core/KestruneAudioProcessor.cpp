@@ -92,7 +92,7 @@ KestruneAudioProcessor::KestruneAudioProcessor()
 
     synth.addSound (new SynthSound());
     for (int i = 0; i < numVoices; ++i)
-        synth.addVoice (new SynthVoice());
+        voices.push_back (dynamic_cast<SynthVoice*> (synth.addVoice (new SynthVoice())));
 
     presetManager.scanPresets();
 }
@@ -121,13 +121,8 @@ void KestruneAudioProcessor::prepareToPlay (double sampleRate, int samplesPerBlo
 
     resetBlockDelay();
 
-    for (int i = 0; i < numVoices; ++i)
-    {
-        // getVoice holds the synthesiser's lock only for the lookup.
-        auto* voice = synth.getVoice (i);
-        if (auto* synthVoice = dynamic_cast<SynthVoice*> (voice))
-            synthVoice->prepareVoice (sampleRate);
-    }
+    for (auto* voice : voices)
+        voice->prepareVoice (sampleRate);
 
     polyGain.reset ((int) (sampleRate * 0.01));
 
@@ -230,13 +225,8 @@ void KestruneAudioProcessor::processBlock (juce::AudioBuffer<float>& buffer, juc
     else
         hostBpm = 120.0;
 
-    for (int i = 0; i < numVoices; ++i)
-    {
-        // getVoice holds the synthesiser's lock only for the lookup.
-        auto* voice = synth.getVoice (i);
-        if (auto* synthVoice = dynamic_cast<SynthVoice*> (voice))
-            synthVoice->pushParameters (parameterValues);
-    }
+    for (auto* voice : voices)
+        voice->pushParameters (parameterValues);
 
     keyboardState.processNextMidiBuffer (midi, 0, n, true);
     synth.renderNextBlock (buffer, midi, 0, n);

@@ -18,6 +18,7 @@
 #include "effects/ReverbStage.h"
 #include "effects/TiltEqualiser.h"
 #include "presets/PresetManager.h"
+#include "voice/SynthVoice.h"
 
 class KestruneAudioProcessor : public juce::AudioProcessor
 {
@@ -100,6 +101,8 @@ public:
 
     juce::Synthesiser synth;
     int numVoices = 8;
+    // The synthesiser's voices, found once: a lookup per block would take its lock and a cast.
+    std::vector<SynthVoice*> voices;
 
     PolyGain polyGain;
     int heldNotes = 0;

@@ -123,6 +123,7 @@ void FdnReverb::updateLines()
         state.ringLength = *std::max_element (state.delayInt, state.delayInt + numLines) + 1;
         state.tapsShareReads = true;
     }
+    restingChoices = 0;
 }
 
 bool FdnReverb::tailBelow (double limit) const noexcept
@@ -158,6 +159,7 @@ void FdnReverb::process (const double* input, double* output, int numSamples, bo
     if (! inputSilent)
     {
         resting = false;
+        restingChoices = 0;
         state.quietTicks = 0;
         tickDispatch() (state, input, output, numSamples, false);
         return;
@@ -169,6 +171,7 @@ void FdnReverb::process (const double* input, double* output, int numSamples, bo
     {
         const int run = (int) std::min<long> (numSamples - done, std::max (1L, state.ringLength - state.quietTicks));
         tickDispatch() (state, input + done, output + done, run, true);
+        restingChoices = 0;
         done += run;
         if (state.quietTicks >= state.ringLength && tailBelow (FdnLines::restingLimit))
             clearTail();
@@ -184,10 +187,16 @@ void FdnReverb::skipSilence (long numSamples) noexcept
     if (firstChoice < numSamples)
     {
         const long choices = 1 + (numSamples - 1 - firstChoice) / 16;
-        if (choices > 2)
-            state.activeTap ^= (int) ((choices - 2) & 1);
-        for (long c = 0; c < std::min (choices, 2L); ++c)
-            FdnKernel::chooseTap (state);
+        if (restingChoices >= 2)
+            state.activeTap ^= (int) (choices & 1);
+        else
+        {
+            if (choices > 2)
+                state.activeTap ^= (int) ((choices - 2) & 1);
+            for (long c = 0; c < std::min (choices, 2L); ++c)
+                FdnKernel::chooseTap (state);
+            restingChoices = (int) std::min (choices + restingChoices, 2L);
+        }
     }
     state.fadeCount = (int) ((state.fadeCount + numSamples) & 15);
 }

@@ -51,6 +51,9 @@ private:
     std::vector<double> buffers;
     FdnLines state;
     bool resting = false;
+    // Tap choices made while resting since the network last ticked (at most 2): from two on, both taps
+    // hold what another choice would compute, as nothing it reads moves while the network rests.
+    int restingChoices = 0;
 
     std::array<double, numLines> detune {};
     double lx = 0.0, ly = 0.0, lz = 0.0;

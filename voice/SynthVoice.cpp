@@ -3,6 +3,7 @@
 #include "voice/SynthVoice.h"
 
 #include <cmath>
+#include <cstring>
 #include <math.h>
 
 #include "core/ParameterTable.h"
@@ -73,19 +74,30 @@ void SynthVoice::prepareVoice (double sampleRate)
 
 void SynthVoice::pushParameters (const ParameterValues& values)
 {
-    envelope.setParameters (readParameter (values, ParameterIndex::attack), readParameter (values, ParameterIndex::decay),
-                            readParameter (values, ParameterIndex::sustain), readParameter (values, ParameterIndex::release));
+    using namespace ParameterIndex;
+    const PushedValues read { readParameter (values, attack), readParameter (values, decay), readParameter (values, sustain),
+                              readParameter (values, release), readParameter (values, timbre), readParameter (values, envmod),
+                              readParameter (values, noise), readParameter (values, vibrato), readParameter (values, pitch),
+                              readParameter (values, ws) };
+    // An idle voice handed the values it already holds would end up exactly as it is: the only step
+    // that reads the level is worked out again when a note starts, and the folder moves only on a change.
+    if (envelope.state == VoiceEnvelope::idle && havePushed && std::memcmp (read.data(), pushed.data(), sizeof read) == 0)
+        return;
+    pushed = read;
+    havePushed = true;
 
-    const float timbre = readParameter (values, ParameterIndex::timbre);
+    envelope.setParameters (read[0], read[1], read[2], read[3]);
+
+    const float timbre = read[4];
     timbreAmount = timbre * timbre;
-    envelopeModAmount = readParameter (values, ParameterIndex::envmod);
-    const float noise = readParameter (values, ParameterIndex::noise);
+    envelopeModAmount = read[5];
+    const float noise = read[6];
     noiseAmount = (noise * 0.25f) * noise;
-    const float vibrato = readParameter (values, ParameterIndex::vibrato);
+    const float vibrato = read[7];
     vibratoAmount = vibrato * vibrato;
-    updateModulatorRatio (readParameter (values, ParameterIndex::pitch));
+    updateModulatorRatio (read[8]);
 
-    folder.setEnabled (readParameter (values, ParameterIndex::ws) > 0.5f);
+    folder.setEnabled (read[9] > 0.5f);
 }
 
 void SynthVoice::updateModulatorRatio (float p)

@@ -83,6 +83,11 @@ private:
     VoiceHighPass highPassA;
     VoiceHighPass highPassB;
 
+    // The values of the last push, in the order pushParameters reads them.
+    using PushedValues = std::array<float, 10>;
+    PushedValues pushed {};
+    bool havePushed = false;
+
     int noteOffset = 0;
     double semitoneBase = 1.0594630943592953;
     int lastPitchWheel = 8192;

@@ -35,6 +35,7 @@ const std::vector<Note> stealing { { 40, 0.00f, 0.5f }, { 47, 0.02f, 0.1f }, { 5
                                    { 59, 0.08f, 0.05f }, { 62, 0.10f, 0.5f }, { 64, 0.12f, 0.5f }, { 67, 0.14f, 0.5f },
                                    { 71, 0.20f, 0.3f }, { 74, 0.22f, 0.3f }, { 76, 0.25f, 0.3f }, { 79, 0.30f, 0.2f } };
 const std::vector<Note> afterSilence { { 60, 0.25f, 0.1f }, { 67, 2.6f, 0.2f } };
+const std::vector<Note> afterLongSilence { { 60, 0.1f, 0.1f }, { 64, 0.1f, 0.1f }, { 67, 9.0f, 0.2f } };
 
 std::uint64_t render (const Case& c)
 {
@@ -108,6 +109,7 @@ TEST (GoldenRender, EveryModuleRateAndBlockSizeRendersTheRecordedBits)
         { "wake after silence", 48000, 256, with (fullPatch, { { I::bp3, 0.0f }, { I::reverb, 0.0f }, { I::fdbk, 0.0f }, { I::time, 100.0f } }), afterSilence, 3.0, 0xe3f630fbdd2e5a8bull },
         { "delay rests and wakes forward", 44100, 7, { { I::time, 700.0f }, { I::fdbk, 0.0f }, { I::envms, 40.0f }, { I::rev, 0.0f }, { I::reverb, 0.0f } }, afterSilence, 4.0, 0x1a94f0f0279df1aull },
         { "delay rests and wakes reversed", 48000, 1000, { { I::time, 333.0f }, { I::fdbk, 0.0f }, { I::envms, 150.0f }, { I::reverb, 0.0f } }, afterSilence, 4.0, 0xf9edac0e80e043e7ull },
+        { "reverb rests and wakes", 48000, 256, { { I::bp2, 0.0f }, { I::reverb, 0.6f } }, afterLongSilence, 9.5, 0xb59703bb8edcc52full },
         { "wake with reverb", 44100, 256, with (fullPatch, { { I::time, 100.0f } }), afterSilence, 3.0, 0xde2de24ab234d324ull },
     };
     for (const auto& c : cases)

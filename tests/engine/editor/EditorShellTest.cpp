@@ -130,7 +130,8 @@ TEST_F (EditorFixture, OnScreenTheTooltipWindowComesWithTheMouseAndGoesWithIt)
         GTEST_SKIP() << "needs an X display";
     const HostEnvironment lenientXErrors;
     auto& shown = openEditor();
-    shown.setTopLeftPosition (0, 0);
+    // Away from the screen's corner, where the pointer outside the panel rests.
+    shown.setTopLeftPosition (200, 200);
     shown.addToDesktop (0);
     shown.setVisible (true);
     pump (300);
@@ -142,7 +143,7 @@ TEST_F (EditorFixture, OnScreenTheTooltipWindowComesWithTheMouseAndGoesWithIt)
                                            juce::MouseInputSource::defaultPressure, juce::MouseInputSource::defaultOrientation,
                                            juce::Time::currentTimeMillis());
     };
-    const juce::Point<float> outside { -50.0f, -50.0f };
+    const juce::Point<float> outside { -150.0f, -150.0f };
     moveMouseTo (outside);
     pump (300);
     EXPECT_EQ (panel().tooltips.getWindow(), nullptr);
