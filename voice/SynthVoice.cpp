@@ -226,13 +226,20 @@ __attribute__ ((flatten)) void SynthVoice::renderNextBlock (juce::AudioBuffer<fl
     {
         const int chunkLength = juce::jmin (chunkSize, count - chunkStart);
 
-        // Vibrato source and envelope, up to the sample at which the note has ended. Worked on local
-        // copies so their states stay in registers through the loop.
+        // The per-sample recurrences (vibrato source, envelope, both phases) up to the sample at which
+        // the note has ended, in one loop: they do not depend on each other, so they overlap in the
+        // processor instead of waiting on one another. Worked on local copies so their states stay in
+        // registers through the loop.
         int produced = 0;
         bool ended = false;
         {
             auto lfo = vibratoLfo;
             auto env = envelope;
+            auto mod = modulator;
+            auto car = carrier;
+            const float fm = (modulatorRatio * noteFrequency) * pitchBendRatio;
+            const float f = noteFrequency;
+            const float b = pitchBendRatio;
             for (; produced < chunkLength; ++produced)
             {
                 if (env.state == VoiceEnvelope::idle)
@@ -240,11 +247,18 @@ __attribute__ ((flatten)) void SynthVoice::renderNextBlock (juce::AudioBuffer<fl
                     ended = true;
                     break;
                 }
-                vibratoChunk[(size_t) produced] = lfo.process();
+                const float vibratoSource = lfo.process();
+                vibratoChunk[(size_t) produced] = vibratoSource;
                 envelopeChunk[(size_t) produced] = env.process();
+                modulatorPhaseChunk[(size_t) produced] = mod.advance (fm);
+                // Vibrato adds Hz in proportion to the note, unscaled by the bend.
+                const float vib = vibratoAmount * (vibratoSource * 3.3f);
+                carrierPhaseChunk[(size_t) produced] = car.advance (b * f + (f * vib) * 0.1f);
             }
             vibratoLfo = lfo;
             envelope = env;
+            modulator = mod;
+            carrier = car;
         }
 
         // With no noise level and a settled noise filter every noise sample is +0 (the filter flushes
@@ -270,30 +284,15 @@ __attribute__ ((flatten)) void SynthVoice::renderNextBlock (juce::AudioBuffer<fl
         }
 
         {
-            // The oscillators' phases and the noise filter are recurrences and step one sample at a
-            // time; everything else depends only on its own sample, so those passes run as vectors.
-            auto mod = modulator;
-            const float fm = (modulatorRatio * noteFrequency) * pitchBendRatio;
-            for (int i = 0; i < produced; ++i)
-                phaseChunk[(size_t) i] = mod.advance (fm);
-            modulator = mod;
-
-            const float f = noteFrequency;
-            const float b = pitchBendRatio;
-            for (int i = 0; i < produced; ++i)
-            {
-                const float vib = vibratoAmount * (vibratoChunk[(size_t) i] * 3.3f);
-                // Vibrato adds Hz in proportion to the note, unscaled by the bend.
-                frequencyChunk[(size_t) i] = b * f + (f * vib) * 0.1f;
-            }
-
+            // Everything else depends only on its own sample (but the noise filter), so those passes
+            // run as vectors.
             if (modulatorSilent)
                 std::fill (modulationChunk.begin(), modulationChunk.begin() + produced, 0.0f);
             else
                 for (int i = 0; i < produced; ++i)
                 {
                     const double m = PhaseOscillator::shape (PhaseOscillator::wrapBranchless (
-                        phaseChunk[(size_t) i] + PhaseOscillator::radiansToCycles * 0.8999999761581421));
+                        modulatorPhaseChunk[(size_t) i] + PhaseOscillator::radiansToCycles * 0.8999999761581421));
                     // Only the modulator's positive half reaches the carrier.
                     const float depth = envelopeModAmount * envelopeChunk[(size_t) i] + timbreAmount;
                     float pm = depth * (float) m;
@@ -302,13 +301,8 @@ __attribute__ ((flatten)) void SynthVoice::renderNextBlock (juce::AudioBuffer<fl
                     modulationChunk[(size_t) i] = pm;
                 }
 
-            auto car = carrier;
             if (noiseSilent)
-            {
                 std::fill (noiseChunk.begin(), noiseChunk.begin() + produced, 0.0f);
-                for (int i = 0; i < produced; ++i)
-                    phaseChunk[(size_t) i] = car.advance (frequencyChunk[(size_t) i]);
-            }
             else
             {
                 for (int i = 0; i < produced; ++i)
@@ -322,18 +316,14 @@ __attribute__ ((flatten)) void SynthVoice::renderNextBlock (juce::AudioBuffer<fl
                 }
                 auto noise = noiseFilter;
                 for (int i = 0; i < produced; ++i)
-                {
                     noiseChunk[(size_t) i] = noise.process (noiseChunk[(size_t) i]);
-                    phaseChunk[(size_t) i] = car.advance (frequencyChunk[(size_t) i]);
-                }
                 noiseFilter = noise;
             }
-            carrier = car;
 
             for (int i = 0; i < produced; ++i)
             {
                 const double cp = PhaseOscillator::wrapBranchless (
-                    (double) (modulationChunk[(size_t) i] + noiseChunk[(size_t) i]) * PhaseOscillator::radiansToCycles + phaseChunk[(size_t) i]);
+                    (double) (modulationChunk[(size_t) i] + noiseChunk[(size_t) i]) * PhaseOscillator::radiansToCycles + carrierPhaseChunk[(size_t) i]);
                 signalChunk[(size_t) i] = envelopeChunk[(size_t) i] * (float) PhaseOscillator::shape (cp);
             }
             if (folder.isActive())
@@ -341,22 +331,30 @@ __attribute__ ((flatten)) void SynthVoice::renderNextBlock (juce::AudioBuffer<fl
                     signalChunk[(size_t) i] = folder.process (signalChunk[(size_t) i], timbreAmount);
         }
 
+        // The filters and gains are worked on local copies: stores into the output could otherwise
+        // reach them, and every sample would wait on their reload.
         float* l = left + chunkStart;
+        auto a = highPassA;
+        auto b = highPassB;
+        const float gainLeft = panGainLeft;
         if (right != nullptr)
         {
             float* r = right + chunkStart;
+            const float gainRight = panGainRight;
             for (int i = 0; i < produced; ++i)
             {
-                const float y = highPassB.processSample (highPassA.processSample (signalChunk[(size_t) i]));
-                l[i] += y * panGainLeft;
-                r[i] += y * panGainRight;
+                const float y = b.processSample (a.processSample (signalChunk[(size_t) i]));
+                l[i] += y * gainLeft;
+                r[i] += y * gainRight;
             }
         }
         else
         {
             for (int i = 0; i < produced; ++i)
-                l[i] += highPassB.processSample (highPassA.processSample (signalChunk[(size_t) i])) * panGainLeft;
+                l[i] += b.processSample (a.processSample (signalChunk[(size_t) i])) * gainLeft;
         }
+        highPassA = a;
+        highPassB = b;
 
         if (ended)
         {

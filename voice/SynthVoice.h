@@ -78,8 +78,8 @@ private:
     std::array<float, (size_t) chunkSize> noiseChunk {};
     std::array<float, (size_t) chunkSize> signalChunk {};
     std::array<float, (size_t) chunkSize> modulationChunk {};
-    std::array<float, (size_t) chunkSize> frequencyChunk {};
-    std::array<double, (size_t) chunkSize> phaseChunk {};
+    std::array<double, (size_t) chunkSize> modulatorPhaseChunk {};
+    std::array<double, (size_t) chunkSize> carrierPhaseChunk {};
     VoiceHighPass highPassA;
     VoiceHighPass highPassB;
 
