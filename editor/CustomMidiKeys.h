@@ -13,14 +13,13 @@ public:
 
     void paint (juce::Graphics&) override;
 
-    // The framework's own check of the keyboard state, run at the window's refresh.
-    void refreshFromState();
-
     const std::array<int, 12> isBlackKey { 0, 1, 0, 1, 0, 0, 1, 0, 1, 0, 1, 0 };
     int markedNote = 96;
 
 private:
     juce::Timer& stateTimer() noexcept;
+    // The framework's own check of the keyboard state, run at the window's refresh.
+    void refreshFromState();
 
     juce::VBlankAttachment refresh { this, [this] { refreshFromState(); } };
 };

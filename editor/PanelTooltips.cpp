@@ -22,7 +22,7 @@ void PanelTooltips::setLookAndFeel (juce::LookAndFeel* look)
 void PanelTooltips::setEnabled (bool shouldShowTips)
 {
     enabled = shouldShowTips;
-    update();
+    update (panel.isMouseOver (true));
 }
 
 bool PanelTooltips::shows (const juce::Component& component) const
@@ -32,18 +32,18 @@ bool PanelTooltips::shows (const juce::Component& component) const
 
 void PanelTooltips::mouseEnter (const juce::MouseEvent&)
 {
-    update();
+    update (true);
 }
 
-void PanelTooltips::mouseExit (const juce::MouseEvent&)
-{
-    update();
-}
-
-void PanelTooltips::update()
+void PanelTooltips::mouseExit (const juce::MouseEvent& event)
 {
     // Moving from one control to the next exits one and enters the other: the panel still has the mouse.
-    const bool wanted = enabled && panel.isShowing() && panel.isMouseOver (true);
+    update (panel.getLocalBounds().contains (panel.getLocalPoint (nullptr, event.getScreenPosition())));
+}
+
+void PanelTooltips::update (bool mouseOverPanel)
+{
+    const bool wanted = enabled && mouseOverPanel && panel.isShowing();
     if (wanted && window == nullptr)
     {
         window = std::make_unique<myToolTipWindow> (*this);

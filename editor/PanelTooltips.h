@@ -27,7 +27,7 @@ public:
 private:
     void mouseEnter (const juce::MouseEvent&) override;
     void mouseExit (const juce::MouseEvent&) override;
-    void update();
+    void update (bool mouseOverPanel);
 
     juce::Component& panel;
     juce::LookAndFeel* lookAndFeel = nullptr;

@@ -151,8 +151,13 @@ TEST_F (EditorFixture, OnScreenTheTooltipWindowComesWithTheMouseAndGoesWithIt)
     auto& knob = *panel().sliders[ParameterIndex::time];
     moveMouseTo (shown.getLocalPoint (&knob, knob.getLocalBounds().getCentre()).toFloat());
     pump (300);
-    ASSERT_NE (panel().tooltips.getWindow(), nullptr);
+    auto* window = panel().tooltips.getWindow();
+    ASSERT_NE (window, nullptr);
     EXPECT_TRUE (panel().tooltips.shows (knob) && knob.getTooltip().isNotEmpty());
+    auto& nextKnob = *panel().sliders[ParameterIndex::rate];
+    moveMouseTo (shown.getLocalPoint (&nextKnob, nextKnob.getLocalBounds().getCentre()).toFloat());
+    pump (100);
+    EXPECT_EQ (panel().tooltips.getWindow(), window) << "from control to control the same window serves";
     moveMouseTo (outside);
     pump (300);
     EXPECT_EQ (panel().tooltips.getWindow(), nullptr);
