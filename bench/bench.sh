@@ -170,11 +170,11 @@ row "16 instances: instructions / audio s" "$(m "${instr[base.x16]}")" "$(m "${i
 row "memory, one instance, 48 kHz (MB)" "${memory[base.48000]}" "${memory[this.48000]}" "%.1f" "<= 16 MB" "${memory[this.48000]}" "<=" 16
 row "memory, one instance, 96 kHz (MB)" "${memory[base.96000]}" "${memory[this.96000]}" "%.1f" "<= 2 x 48 kHz: $memory_growth" "$memory_growth" "<=" 2
 row "panel closed (% of a core)" "${panel[base.0]}" "${panel[this.0]}" "%.2f" "(the host and the processor)"
-row "host window alone, 880 px (% of a core)" "${panel[base.880frame]}" "${panel[this.880frame]}" "%.2f" "(a blank window of the panel's size)"
-row "open panel, 880 px (% of a core)" "${panel[base.880]}" "${panel[this.880]}" "%.2f" "(the process in all)"
-row "  the panel's own, 880 px" "${panel[base.880own]}" "${panel[this.880own]}" "%.2f" "<= 1 %" "${panel[this.880own]}" "<=" 1
-row "host window alone, 1760 px (% of a core)" "${panel[base.1760frame]}" "${panel[this.1760frame]}" "%.2f" "(a blank window of the panel's size)"
-row "open panel, 1760 px (% of a core)" "${panel[base.1760]}" "${panel[this.1760]}" "%.2f" "(the process in all)"
-row "  the panel's own, 1760 px" "${panel[base.1760own]}" "${panel[this.1760own]}" "%.2f" "<= 2 %" "${panel[this.1760own]}" "<=" 2
+row "host window alone, 880 px (%)" "${panel[base.880frame]}" "${panel[this.880frame]}" "%.2f" "(blank, of the panel's size)"
+row "open panel, 880 px (%)" "${panel[base.880]}" "${panel[this.880]}" "%.2f" "(the process in all)"
+row "  the panel's own, 880 px (%)" "${panel[base.880own]}" "${panel[this.880own]}" "%.2f" "<= 1 %" "${panel[this.880own]}" "<=" 1
+row "host window alone, 1760 px (%)" "${panel[base.1760frame]}" "${panel[this.1760frame]}" "%.2f" "(blank, of the panel's size)"
+row "open panel, 1760 px (%)" "${panel[base.1760]}" "${panel[this.1760]}" "%.2f" "(the process in all)"
+row "  the panel's own, 1760 px (%)" "${panel[base.1760own]}" "${panel[this.1760own]}" "%.2f" "<= 2 %" "${panel[this.1760own]}" "<=" 2
 echo
 echo "bench: $((SECONDS - started)) s; callgrind profiles in $out/callgrind.{base,this}.* (callgrind_annotate)"
