@@ -44,6 +44,7 @@ auto& kernelDispatch()
 Octaver::Octaver()
 {
     hannTable();
+    kernelDispatch(); // the processor's instruction sets are looked up here, not on the audio thread
     mono.setSize (1, unpreparedBlockSize);
     output.setSize (1, unpreparedBlockSize);
     mono.clear();
