@@ -93,6 +93,9 @@ KestruneAudioProcessor::KestruneAudioProcessor()
     synth.addSound (new SynthSound());
     for (int i = 0; i < numVoices; ++i)
         voices.push_back (dynamic_cast<SynthVoice*> (synth.addVoice (new SynthVoice())));
+    if (numVoices <= VoiceMixer::maxVoices)
+        for (int i = 0; i < numVoices; ++i)
+            voices[(size_t) i]->joinMixer (&voiceMixer, i, i == numVoices - 1);
 
     presetManager.scanPresets();
 }
@@ -123,6 +126,7 @@ void KestruneAudioProcessor::prepareToPlay (double sampleRate, int samplesPerBlo
 
     for (auto* voice : voices)
         voice->prepareVoice (sampleRate);
+    voiceMixer.prepare (samplesPerBlock);
 
     polyGain.reset ((int) (sampleRate * 0.01));
 

@@ -103,6 +103,7 @@ public:
     int numVoices = 8;
     // The synthesiser's voices, found once: a lookup per block would take its lock and a cast.
     std::vector<SynthVoice*> voices;
+    VoiceMixer voiceMixer;
 
     PolyGain polyGain;
     int heldNotes = 0;

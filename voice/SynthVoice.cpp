@@ -199,7 +199,19 @@ void SynthVoice::controllerMoved (int, int) {}
 // each stage's loop is small enough for the processor to overlap samples, and no call sits in the
 // middle of the tone's loop. Every stage still runs its own steps in sample order, and each sample
 // meets the same arithmetic as a plain per-sample loop would give it.
-__attribute__ ((flatten)) void SynthVoice::renderNextBlock (juce::AudioBuffer<float>& outputBuffer, int startSample, int numSamples)
+void SynthVoice::renderNextBlock (juce::AudioBuffer<float>& outputBuffer, int startSample, int numSamples)
+{
+    const bool mixed = mixer != nullptr && mixer->holds (numSamples);
+    renderVoice (outputBuffer, startSample, numSamples, mixed);
+    // The synthesiser renders every voice for every stretch between its events; the last one mixes
+    // what the others left.
+    if (mixed && lastInMixer && numSamples >= 1 && startSample >= 0 && outputBuffer.getNumChannels() >= 1
+        && startSample < outputBuffer.getNumSamples())
+        mixer->mixInto (outputBuffer.getWritePointer (0, startSample),
+                        outputBuffer.getNumChannels() > 1 ? outputBuffer.getWritePointer (1, startSample) : nullptr);
+}
+
+__attribute__ ((flatten)) void SynthVoice::renderVoice (juce::AudioBuffer<float>& outputBuffer, int startSample, int numSamples, bool mixed)
 {
     if (numSamples < 1)
         return;
@@ -331,36 +343,48 @@ __attribute__ ((flatten)) void SynthVoice::renderNextBlock (juce::AudioBuffer<fl
                     signalChunk[(size_t) i] = folder.process (signalChunk[(size_t) i], timbreAmount);
         }
 
-        // The filters and gains are worked on local copies: stores into the output could otherwise
-        // reach them, and every sample would wait on their reload.
-        float* l = left + chunkStart;
-        auto a = highPassA;
-        auto b = highPassB;
-        const float gainLeft = panGainLeft;
-        if (right != nullptr)
+        if (mixed)
         {
-            float* r = right + chunkStart;
-            const float gainRight = panGainRight;
             for (int i = 0; i < produced; ++i)
-            {
-                const float y = b.processSample (a.processSample (signalChunk[(size_t) i]));
-                l[i] += y * gainLeft;
-                r[i] += y * gainRight;
-            }
+                mixer->input (mixerSlot, chunkStart + i) = signalChunk[(size_t) i];
         }
         else
         {
-            for (int i = 0; i < produced; ++i)
-                l[i] += b.processSample (a.processSample (signalChunk[(size_t) i])) * gainLeft;
+            // The filters and gains are worked on local copies: stores into the output could otherwise
+            // reach them, and every sample would wait on their reload.
+            float* l = left + chunkStart;
+            auto a = highPassA;
+            auto b = highPassB;
+            const float gainLeft = panGainLeft;
+            if (right != nullptr)
+            {
+                float* r = right + chunkStart;
+                const float gainRight = panGainRight;
+                for (int i = 0; i < produced; ++i)
+                {
+                    const float y = b.processSample (a.processSample (signalChunk[(size_t) i]));
+                    l[i] += y * gainLeft;
+                    r[i] += y * gainRight;
+                }
+            }
+            else
+            {
+                for (int i = 0; i < produced; ++i)
+                    l[i] += b.processSample (a.processSample (signalChunk[(size_t) i])) * gainLeft;
+            }
+            highPassA = a;
+            highPassB = b;
         }
-        highPassA = a;
-        highPassB = b;
 
         if (ended)
         {
+            if (mixed)
+                mixer->contribute (mixerSlot, chunkStart + produced, highPassA, highPassB, panGainLeft, panGainRight);
             if (isVoiceActive())
                 clearCurrentNote();
             return;
         }
     }
+    if (mixed)
+        mixer->contribute (mixerSlot, count, highPassA, highPassB, panGainLeft, panGainRight);
 }

@@ -12,6 +12,7 @@
 #include "voice/PhaseOscillator.h"
 #include "voice/VibratoLfo.h"
 #include "voice/VoiceHighPass.h"
+#include "voice/VoiceMixer.h"
 #include "voice/VoiceEnvelope.h"
 #include "voice/WaveFolder.h"
 
@@ -35,6 +36,15 @@ public:
     void renderNextBlock (juce::AudioBuffer<float>& outputBuffer, int startSample, int numSamples) override;
     using juce::SynthesiserVoice::renderNextBlock;
 
+    // Hands the voice's filters and placement to a mixer shared by the synthesiser's voices: `slot` is
+    // its place in the synthesiser's order, `last` marks the voice rendered last, which mixes.
+    void joinMixer (VoiceMixer* sharedMixer, int slot, bool last) noexcept
+    {
+        mixer = sharedMixer;
+        mixerSlot = slot;
+        lastInMixer = last;
+    }
+
     // Restarts the voice's noise source, and the placement source of the calling thread, from fixed
     // seeds, so that a render can be repeated sample for sample.
     void seedGenerators (juce::int64 noiseSeed) noexcept { noiseRandom.setSeed (noiseSeed); }
@@ -47,6 +57,7 @@ public:
     int getEnvelopeState() const noexcept { return envelope.state; }
 
 private:
+    void renderVoice (juce::AudioBuffer<float>& outputBuffer, int startSample, int numSamples, bool mixed);
     void updateModulatorRatio (float pitchParameter);
     // The noise generator's seed after `draws` steps (at most one chunk) from `seed`.
     static juce::uint64 noiseJump (int draws, juce::uint64 seed) noexcept;
@@ -87,6 +98,10 @@ private:
     using PushedValues = std::array<float, 10>;
     PushedValues pushed {};
     bool havePushed = false;
+
+    VoiceMixer* mixer = nullptr;
+    int mixerSlot = 0;
+    bool lastInMixer = false;
 
     int noteOffset = 0;
     double semitoneBase = 1.0594630943592953;

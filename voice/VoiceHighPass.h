@@ -18,6 +18,7 @@ public:
     }
 
 private:
+    friend class VoiceMixer; // steps the filters of all voices side by side, exactly as processSample
     // Identity until prepared, like a default framework filter.
     float b0 = 1.0f, b1 = 0.0f, b2 = 0.0f, a1 = 0.0f, a2 = 0.0f;
     float s0 = 0.0f, s1 = 0.0f;

@@ -23,6 +23,7 @@ struct Case
     double seconds;
     std::uint64_t hash;
     std::vector<std::pair<double, std::pair<int, float>>> changes {}; // at a second, from the block holding it
+    int prepared = 0; // the block size the host prepared for, when it then sends longer blocks
 };
 
 using P = std::pair<int, float>;
@@ -40,7 +41,7 @@ const std::vector<Note> afterLongSilence { { 60, 0.1f, 0.1f }, { 64, 0.1f, 0.1f 
 std::uint64_t render (const Case& c)
 {
     UnseededRand::restart();
-    TestProcessor t (c.rate, c.block);
+    TestProcessor t (c.rate, c.prepared > 0 ? c.prepared : c.block);
     auto& p = *t.processor;
     SynthVoice::seedPlacement (11);
     for (int i = 0; i < p.synth.getNumVoices(); ++i)
@@ -104,6 +105,7 @@ TEST (GoldenRender, EveryModuleRateAndBlockSizeRendersTheRecordedBits)
         { "delay forward, fm", 44100, 1, { { I::time, 90.0f }, { I::rev, 0.0f }, { I::fmit, 400.0f }, { I::reverb, 0.0f }, { I::tilt, 0.6f } }, stealing, 0.4, 0x385ef2ca4e277b52ull },
         { "reverb alone", 96000, 256, with (dryVoices, { { I::reverb, 0.9f } }), stealing, 0.6, 0xb07d244d3363701full },
         { "full patch", 48000, 256, fullPatch, chord, 0.8, 0x2008d4af2446f1a5ull },
+        { "full patch, blocks longer than prepared", 48000, 256, fullPatch, chord, 0.8, 0x2008d4af2446f1a5ull, {}, 60 },
         { "full patch, odd blocks", 44100, 7, with (fullPatch, { { I::pre, 0.0f }, { I::time, 200.0f } }), stealing, 0.5, 0x45ce17b328a2e752ull },
         { "full patch, long blocks", 96000, 4096, fullPatch, stealing, 0.6, 0x48051e67fcd77e97ull },
         { "wake after silence", 48000, 256, with (fullPatch, { { I::bp3, 0.0f }, { I::reverb, 0.0f }, { I::fdbk, 0.0f }, { I::time, 100.0f } }), afterSilence, 3.0, 0xe3f630fbdd2e5a8bull },
