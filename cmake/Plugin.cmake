@@ -36,10 +36,12 @@ set_source_files_properties(${ONDRIVEL_AVX2_SOURCES} PROPERTIES COMPILE_OPTIONS 
 # and never reorders a sum (the golden renders pin every output bit).
 # Nothing reads the floating-point exception flags, so comparisons may be worked out for every
 # element (-fno-trapping-math changes no value; it lets limits and selections become vector code).
+# Nothing reads errno either: a square root is then the instruction alone, which runs as vectors too
+# (-fno-math-errno changes no value; the square root is exact either way).
 file(GLOB ONDRIVEL_DSP_SOURCES CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/effects/*.cpp ${CMAKE_SOURCE_DIR}/voice/*.cpp
   ${CMAKE_SOURCE_DIR}/core/KestruneAudioProcessor.cpp)
-set_source_files_properties(${ONDRIVEL_DSP_SOURCES} PROPERTIES COMPILE_OPTIONS "-O3;-fno-trapping-math")
-set_source_files_properties(${ONDRIVEL_AVX2_SOURCES} PROPERTIES COMPILE_OPTIONS "-mavx2;-O3;-fno-trapping-math")
+set_source_files_properties(${ONDRIVEL_DSP_SOURCES} PROPERTIES COMPILE_OPTIONS "-O3;-fno-trapping-math;-fno-math-errno")
+set_source_files_properties(${ONDRIVEL_AVX2_SOURCES} PROPERTIES COMPILE_OPTIONS "-mavx2;-O3;-fno-trapping-math;-fno-math-errno")
 
 include(${CMAKE_SOURCE_DIR}/cmake/Resources.cmake OPTIONAL)
 include(${CMAKE_SOURCE_DIR}/cmake/EditorResources.cmake)
