@@ -233,7 +233,12 @@ void KestruneAudioProcessor::processBlock (juce::AudioBuffer<float>& buffer, juc
         voice->pushParameters (parameterValues);
 
     keyboardState.processNextMidiBuffer (midi, 0, n, true);
-    synth.renderNextBlock (buffer, midi, 0, n);
+    // With no event and no voice sounding, the synthesiser would only hand every voice a block that
+    // each leaves as it is; it is not woken (nor its lock taken) for that.
+    const bool voicesSound = std::any_of (voices.begin(), voices.end(), [] (const SynthVoice* voice)
+                                          { return voice->isVoiceActive() || voice->getEnvelopeState() != VoiceEnvelope::idle; });
+    if (voicesSound || ! midi.isEmpty())
+        synth.renderNextBlock (buffer, midi, 0, n);
 
     countHeldNotes (midi, n);
     applyModWheel (midi);
