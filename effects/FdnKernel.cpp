@@ -26,4 +26,3 @@ void FdnKernel::chooseTap (State& s) noexcept
 }
 
 template void FdnKernel::operator()<xsimd::sse2> (xsimd::sse2, State&, const double*, double*, int, bool) const noexcept;
-template void FdnKernel::operator()<xsimd::sse2> (xsimd::sse2, State&, State&, const double*, double*, double*, int) const noexcept;

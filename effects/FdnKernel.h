@@ -26,11 +26,6 @@ struct FdnKernel
     template <class Arch>
     void operator() (Arch, State& s, const double* input, double* output, int numSamples, bool watchTail) const noexcept;
 
-    // Two networks fed the same input, their ticks interleaved so that each one's chain of dependent
-    // steps overlaps the other's; each network's arithmetic stays exactly its own.
-    template <class Arch>
-    void operator() (Arch, State& a, State& b, const double* input, double* outputA, double* outputB, int numSamples) const noexcept;
-
     // Points the tap that fades in next at the delays, as every sixteenth tick does.
     static void chooseTap (State& s) noexcept;
 };
@@ -67,172 +62,111 @@ inline xsimd::batch<double, Arch> gatherLines (const double* lines, const std::i
 }
 } // namespace fdn_kernel_detail
 
-namespace fdn_kernel_detail
-{
-// Where a network writes during a span of ticks, and whether its two taps read the same rows.
-struct Span
-{
-    double* writeTo[FdnKernel::numLines];
-    bool shareReads;
-};
-
-// A span of ticks in which no position wraps and no tap is chosen: every position moves on by one per
-// tick, so a tick finds its samples at the span's positions plus its offset.
-inline std::int64_t spanLength (const FdnLines& s, std::int64_t remaining) noexcept
-{
-    std::int64_t span = std::min<std::int64_t> (remaining, 16 - s.fadeCount);
-    for (int i = 0; i < FdnLines::width; ++i)
-    {
-        span = std::min (span, s.lineLast[i] - s.writeAt[i] + 1);
-        span = std::min (span, s.lineLast[i] - s.readAt[0][i] + 1);
-        span = std::min (span, s.lineLast[i] - s.readAt[1][i] + 1);
-    }
-    return span;
-}
-
-inline Span beginSpan (const FdnLines& s) noexcept
-{
-    Span span;
-    for (int i = 0; i < FdnLines::numLines; ++i)
-        span.writeTo[i] = s.lines + s.writeAt[i];
-    span.shareReads = s.tapsShareReads;
-    return span;
-}
-
-// Tick `k` of a span.
-template <class Arch>
-__attribute__ ((always_inline)) inline void tick (FdnLines& s, const Span& where, std::int64_t k, double input, double& output,
-                                                  bool watchTail) noexcept
-{
-    using B = xsimd::batch<double, Arch>;
-    constexpr int n = (int) B::size;
-    constexpr int numLines = FdnLines::numLines, width = FdnLines::width;
-    alignas (32) double tapOut[2][width];
-    alignas (32) double written[width];
-
-    const B in (input);
-    const B quarter (0.25);
-    // Unrolled, every term is one load folded into its add.
-#pragma GCC unroll 4
-    for (int v = 0; v < width; v += n)
-        (quarter * rowSums<B> (s.run + v, std::make_index_sequence<numLines> {}) + in).store_aligned (written + v);
-#pragma GCC unroll 15
-    for (int i = 0; i < numLines; ++i)
-        where.writeTo[i][k] = written[i];
-
-    if (watchTail)
-    {
-        bool quiet = true;
-        for (int i = 0; i < numLines; ++i)
-            quiet = quiet && written[i] < FdnLines::restingLimit && written[i] > -FdnLines::restingLimit;
-        s.quietTicks = quiet ? s.quietTicks + 1 : 0;
-    }
-
-    const double* const lines = s.lines + k;
-    for (int v = 0; v < width; v += n)
-    {
-        // Once both taps have been pointed at the same delays they read the same samples.
-        const B read0 = gatherLines<Arch> (lines, s.readAt[0] + v);
-        const B read1 = where.shareReads ? read0 : gatherLines<Arch> (lines, s.readAt[1] + v);
-        for (int tap = 0; tap < 2; ++tap)
-        {
-            const B x = tap == 0 ? read0 : read1;
-            const B c = B::load_aligned (s.coefficient[tap] + v);
-            const B y = (c * x + B::load_aligned (s.lastInput[tap] + v)) - c * B::load_aligned (s.lastOutput[tap] + v);
-            x.store_aligned (s.lastInput[tap] + v);
-            y.store_aligned (s.lastOutput[tap] + v);
-            y.store_aligned (tapOut[tap] + v);
-        }
-    }
-
-    const B f (fadeTable[s.fadeCount]);
-    const B g (1.0 - fadeTable[s.fadeCount]);
-    const double* faded = tapOut[s.activeTap ^ 1];
-    const double* active = tapOut[s.activeTap];
-    for (int v = 0; v < width; v += n)
-    {
-        const B out = B::load_aligned (faded + v) * g + B::load_aligned (active + v) * f;
-        const B z = out * B::load_aligned (s.absorptionB + v) - B::load_aligned (s.absorptionA + v) * B::load_aligned (s.absorptionState + v);
-        z.store_aligned (s.absorptionState + v);
-        (z * B::load_aligned (s.lineGain + v)).store_aligned (s.run + v);
-    }
-
-    double sum = 0.0;
-    for (int i = 0; i < numLines; ++i)
-        sum += s.run[i];
-    for (int v = 0; v < numLines; v += n)
-        B::load_aligned (s.run + v).store_unaligned (s.run + numLines + v);
-
-    s.fadeCount = (s.fadeCount + 1) & 15;
-    output = sum / 15.0;
-}
-
-// Moves every position on by a span; each wraps at its own line's end, as a modulo by the line's
-// length would.
-template <class Arch>
-inline void advance (FdnLines& s, std::int64_t span) noexcept
-{
-    using I = xsimd::batch<std::int64_t, Arch>;
-    constexpr int n = (int) I::size;
-    const I step (span);
-    for (int v = 0; v < FdnLines::width; v += n)
-    {
-        const I last = I::load_aligned (s.lineLast + v);
-        const I length = I::load_aligned (s.lineLength + v);
-        for (std::int64_t* at : { s.writeAt + v, s.readAt[0] + v, s.readAt[1] + v })
-        {
-            const I next = I::load_aligned (at) + step;
-            xsimd::select (next > last, next - length, next).store_aligned (at);
-        }
-    }
-    // The padding lane stays on its first sample.
-    s.writeAt[FdnLines::numLines] = s.readAt[0][FdnLines::numLines] = s.readAt[1][FdnLines::numLines] = s.lineStart[FdnLines::numLines];
-}
-} // namespace fdn_kernel_detail
-
 template <class Arch>
 void FdnKernel::operator() (Arch, State& s, const double* input, double* output, int numSamples, bool watchTail) const noexcept
 {
     using namespace fdn_kernel_detail;
+    using B = xsimd::batch<double, Arch>;
+    using I = xsimd::batch<std::int64_t, Arch>;
+    constexpr int n = (int) B::size;
+    alignas (32) double tapOut[2][width];
+    alignas (32) double written[width];
+
     for (int t = 0; t < numSamples;)
     {
         // The tap choice moves only the reads, so it may come before the tick's write.
         if (s.fadeCount == 0)
             chooseTap (s);
-        const std::int64_t span = spanLength (s, numSamples - t);
-        const Span where = beginSpan (s);
-        for (std::int64_t k = 0; k < span; ++k, ++t)
-            tick<Arch> (s, where, k, input[t], output[t], watchTail);
-        advance<Arch> (s, span);
-    }
-}
 
-template <class Arch>
-void FdnKernel::operator() (Arch, State& a, State& b, const double* input, double* outputA, double* outputB,
-                            int numSamples) const noexcept
-{
-    using namespace fdn_kernel_detail;
-    for (int t = 0; t < numSamples;)
-    {
-        if (a.fadeCount == 0)
-            chooseTap (a);
-        if (b.fadeCount == 0)
-            chooseTap (b);
-        // Ending a span early changes nothing for a network: its positions move on by as much and
-        // no tap is chosen before its own turn.
-        const std::int64_t span = std::min (spanLength (a, numSamples - t), spanLength (b, numSamples - t));
-        const Span whereA = beginSpan (a), whereB = beginSpan (b);
+        // A span of ticks in which no position wraps and no tap is chosen: every position moves on
+        // by one per tick, so a tick finds its samples at the span's positions plus its offset.
+        std::int64_t span = std::min<std::int64_t> (numSamples - t, 16 - s.fadeCount);
+        for (int i = 0; i < width; ++i)
+        {
+            span = std::min (span, s.lineLast[i] - s.writeAt[i] + 1);
+            span = std::min (span, s.lineLast[i] - s.readAt[0][i] + 1);
+            span = std::min (span, s.lineLast[i] - s.readAt[1][i] + 1);
+        }
+        double* writeTo[numLines];
+        for (int i = 0; i < numLines; ++i)
+            writeTo[i] = s.lines + s.writeAt[i];
+        const bool shareReads = s.tapsShareReads;
+
         for (std::int64_t k = 0; k < span; ++k, ++t)
         {
-            tick<Arch> (a, whereA, k, input[t], outputA[t], false);
-            tick<Arch> (b, whereB, k, input[t], outputB[t], false);
+            const B in (input[t]);
+            const B quarter (0.25);
+            // Unrolled, every term is one load folded into its add.
+#pragma GCC unroll 4
+            for (int v = 0; v < width; v += n)
+                (quarter * rowSums<B> (s.run + v, std::make_index_sequence<numLines> {}) + in).store_aligned (written + v);
+#pragma GCC unroll 15
+            for (int i = 0; i < numLines; ++i)
+                writeTo[i][k] = written[i];
+
+            if (watchTail)
+            {
+                bool quiet = true;
+                for (int i = 0; i < numLines; ++i)
+                    quiet = quiet && written[i] < FdnLines::restingLimit && written[i] > -FdnLines::restingLimit;
+                s.quietTicks = quiet ? s.quietTicks + 1 : 0;
+            }
+
+            const double* const lines = s.lines + k;
+            for (int v = 0; v < width; v += n)
+            {
+                // Once both taps have been pointed at the same delays they read the same samples.
+                const B read0 = gatherLines<Arch> (lines, s.readAt[0] + v);
+                const B read1 = shareReads ? read0 : gatherLines<Arch> (lines, s.readAt[1] + v);
+                for (int tap = 0; tap < 2; ++tap)
+                {
+                    const B x = tap == 0 ? read0 : read1;
+                    const B c = B::load_aligned (s.coefficient[tap] + v);
+                    const B y = (c * x + B::load_aligned (s.lastInput[tap] + v)) - c * B::load_aligned (s.lastOutput[tap] + v);
+                    x.store_aligned (s.lastInput[tap] + v);
+                    y.store_aligned (s.lastOutput[tap] + v);
+                    y.store_aligned (tapOut[tap] + v);
+                }
+            }
+
+            const B f (fadeTable[s.fadeCount]);
+            const B g (1.0 - fadeTable[s.fadeCount]);
+            const double* faded = tapOut[s.activeTap ^ 1];
+            const double* active = tapOut[s.activeTap];
+            for (int v = 0; v < width; v += n)
+            {
+                const B out = B::load_aligned (faded + v) * g + B::load_aligned (active + v) * f;
+                const B z = out * B::load_aligned (s.absorptionB + v) - B::load_aligned (s.absorptionA + v) * B::load_aligned (s.absorptionState + v);
+                z.store_aligned (s.absorptionState + v);
+                (z * B::load_aligned (s.lineGain + v)).store_aligned (s.run + v);
+            }
+
+            double sum = 0.0;
+            for (int i = 0; i < numLines; ++i)
+                sum += s.run[i];
+            for (int v = 0; v < numLines; v += n)
+                B::load_aligned (s.run + v).store_unaligned (s.run + numLines + v);
+
+            s.fadeCount = (s.fadeCount + 1) & 15;
+            output[t] = sum / 15.0;
         }
-        advance<Arch> (a, span);
-        advance<Arch> (b, span);
+
+        // Each position wraps at its own line's end, as a modulo by the line's length would.
+        const I step ((std::int64_t) span);
+        for (int v = 0; v < width; v += n)
+        {
+            const I last = I::load_aligned (s.lineLast + v);
+            const I length = I::load_aligned (s.lineLength + v);
+            for (std::int64_t* at : { s.writeAt + v, s.readAt[0] + v, s.readAt[1] + v })
+            {
+                const I next = I::load_aligned (at) + step;
+                xsimd::select (next > last, next - length, next).store_aligned (at);
+            }
+        }
+        // The padding lane stays on its first sample.
+        s.writeAt[numLines] = s.readAt[0][numLines] = s.readAt[1][numLines] = s.lineStart[numLines];
     }
 }
 
 extern template void FdnKernel::operator()<xsimd::avx2> (xsimd::avx2, State&, const double*, double*, int, bool) const noexcept;
 extern template void FdnKernel::operator()<xsimd::sse2> (xsimd::sse2, State&, const double*, double*, int, bool) const noexcept;
-extern template void FdnKernel::operator()<xsimd::avx2> (xsimd::avx2, State&, State&, const double*, double*, double*, int) const noexcept;
-extern template void FdnKernel::operator()<xsimd::sse2> (xsimd::sse2, State&, State&, const double*, double*, double*, int) const noexcept;

@@ -4,4 +4,3 @@
 #include "effects/FdnKernel.h"
 
 template void FdnKernel::operator()<xsimd::avx2> (xsimd::avx2, State&, const double*, double*, int, bool) const noexcept;
-template void FdnKernel::operator()<xsimd::avx2> (xsimd::avx2, State&, State&, const double*, double*, double*, int) const noexcept;

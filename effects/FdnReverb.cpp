@@ -180,24 +180,6 @@ void FdnReverb::process (const double* input, double* output, int numSamples, bo
     std::fill (output + done, output + numSamples, 0.0);
 }
 
-void FdnReverb::processPair (FdnReverb& left, FdnReverb& right, const double* input, double* leftOutput,
-                             double* rightOutput, int numSamples, bool inputSilent) noexcept
-{
-    if (inputSilent)
-    {
-        left.process (input, leftOutput, numSamples, true);
-        right.process (input, rightOutput, numSamples, true);
-        return;
-    }
-    for (auto* network : { &left, &right })
-    {
-        network->resting = false;
-        network->restingChoices = 0;
-        network->state.quietTicks = 0;
-    }
-    tickDispatch() (left.state, right.state, input, leftOutput, rightOutput, numSamples);
-}
-
 void FdnReverb::skipSilence (long numSamples) noexcept
 {
     // A tap is chosen whenever a tick starts at fade position 0; only the last two choices survive.

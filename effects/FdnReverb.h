@@ -33,11 +33,6 @@ public:
     // tail and, once all it holds lies below -140 dBFS, clears itself and rests until input returns.
     void process (const double* input, double* output, int numSamples, bool inputSilent) noexcept;
 
-    // Both networks of a stereo pair on the same input: what `process` on each does, with their ticks
-    // interleaved while the input sounds.
-    static void processPair (FdnReverb& left, FdnReverb& right, const double* input, double* leftOutput, double* rightOutput,
-                             int numSamples, bool inputSilent) noexcept;
-
     // True while the network holds nothing but zeros and so stays silent without input.
     bool isResting() const noexcept { return resting; }
     long getLineLength() const noexcept { return state.ringLength; }

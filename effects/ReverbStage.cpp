@@ -153,7 +153,8 @@ void ReverbStage::processChunk (float* l, float* r, int n, float dry, DcBlocker&
         preDelayZeros = pushed == 0.0f ? preDelayZeros + 1 : 0;
     }
 
-    FdnReverb::processPair (*leftNetwork, *rightNetwork, networkIn.data(), networkLeft.data(), networkRight.data(), n, silentIn);
+    leftNetwork->process (networkIn.data(), networkLeft.data(), n, silentIn);
+    rightNetwork->process (networkIn.data(), networkRight.data(), n, silentIn);
     for (int i = 0; i < n; ++i)
     {
         l[i] = dry * l[i] + mix * (float) networkLeft[(size_t) i];
