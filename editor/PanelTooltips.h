@@ -15,7 +15,6 @@ public:
 
     void setLookAndFeel (juce::LookAndFeel* look);
     void setEnabled (bool shouldShowTips);
-    bool isEnabled() const noexcept { return enabled; }
 
     // Whether a tip of this component is this panel's to show: tips are on, and the component belongs
     // to the panel. Every tooltip window of the process looks at whatever is under the mouse.
