@@ -119,7 +119,7 @@ void PhaseVocoderKernel::operator() (Arch, const Synthesis& s) const noexcept
     // quadrant count below 2^32 is exact and the reduction below loses nothing to the large phases
     // the synthesis accumulates.
     const B c1 (0x1.921fbp+0), c2 (0x1.5110bp-22), c3 (0x1.18469p-44), c4 (0x1.13198p-65), c5 (0x1.45c06e0e68948p-86);
-    const B twoOverPi (0.6366197723675814), limit (0x1p30), zero (0.0);
+    const B twoOverPi (0.6366197723675814), limit (0x1p32), zero (0.0);
 
     long k = 0;
     for (; k + n <= s.count; k += n)

@@ -176,7 +176,7 @@ TEST (FftTest, MatchesADirectDftAndTheTabledFormMatchesItBitForBit)
     }
 }
 
-// Phases of every size the synthesis accumulates (up to 2^31, past the vector reduction), phases just
+// Phases of every size the synthesis accumulates (up to 2^33, past the vector reduction), phases just
 // beside a quarter turn, empty bins, zeros of both signs and NaNs: the vector passes give the floats
 // the library calls give.
 template <class Arch>
@@ -192,8 +192,8 @@ void expectBinPassesMatchTheLibrary()
         for (long k = 0; k < n; ++k)
         {
             const auto pick = random() % 16;
-            phase[(size_t) k] = pick == 0 ? std::nextafter ((float) ((double) (random() % 100000000) * 1.5707963267948966), 0.0f)
-                                          : (float) ((unit (random) - 0.5) * std::ldexp (1.0, (int) (random() % 32)));
+            phase[(size_t) k] = pick == 0 ? std::nextafter ((float) ((double) random() * 1.5707963267948966), 0.0f)
+                                          : (float) ((unit (random) - 0.5) * std::ldexp (1.0, (int) (random() % 34)));
             magnitude[(size_t) k] = pick == 1 ? 0.0f : (float) (unit (random) * 40.0);
             re[(size_t) k] = pick == 2 ? -0.0 : pick == 3 ? std::nan ("") : (double) (float) (unit (random) * 600.0 - 300.0);
             im[(size_t) k] = pick == 4 ? 0.0 : (double) (float) (unit (random) * 600.0 - 300.0);
