@@ -195,44 +195,39 @@ void SynthVoice::pitchWheelMoved (int newPitchWheelValue)
 
 void SynthVoice::controllerMoved (int, int) {}
 
+void SynthVoice::renderNextBlock (juce::AudioBuffer<float>& outputBuffer, int startSample, int numSamples)
+{
+    if (numSamples < 1)
+        return;
+    // Never write outside the buffer, whatever range a caller passes.
+    const int count = startSample < 0 || outputBuffer.getNumChannels() < 1
+                          ? 0
+                          : juce::jmin (numSamples, outputBuffer.getNumSamples() - startSample);
+    float* left = count > 0 ? outputBuffer.getWritePointer (0, startSample) : nullptr;
+    float* right = count > 0 && outputBuffer.getNumChannels() > 1 ? outputBuffer.getWritePointer (1, startSample) : nullptr;
+
+    const bool mixed = mixer != nullptr && mixer->holds (numSamples);
+    renderVoice (left, right, count, mixed);
+    // The synthesiser renders every voice for every stretch between its events; the last one mixes
+    // what the others left.
+    if (mixed && lastInMixer && count > 0)
+        mixer->mixInto (left, right);
+}
+
 // Flattened so the filter steps inline. The work runs in short chunks, one stage after another:
 // each stage's loop is small enough for the processor to overlap samples, and no call sits in the
 // middle of the tone's loop. Every stage still runs its own steps in sample order, and each sample
 // meets the same arithmetic as a plain per-sample loop would give it.
-void SynthVoice::renderNextBlock (juce::AudioBuffer<float>& outputBuffer, int startSample, int numSamples)
+__attribute__ ((flatten)) void SynthVoice::renderVoice (float* left, float* right, int count, bool mixed)
 {
-    const bool mixed = mixer != nullptr && mixer->holds (numSamples);
-    renderVoice (outputBuffer, startSample, numSamples, mixed);
-    // The synthesiser renders every voice for every stretch between its events; the last one mixes
-    // what the others left.
-    if (mixed && lastInMixer && numSamples >= 1 && startSample >= 0 && outputBuffer.getNumChannels() >= 1
-        && startSample < outputBuffer.getNumSamples())
-        mixer->mixInto (outputBuffer.getWritePointer (0, startSample),
-                        outputBuffer.getNumChannels() > 1 ? outputBuffer.getWritePointer (1, startSample) : nullptr);
-}
-
-__attribute__ ((flatten)) void SynthVoice::renderVoice (juce::AudioBuffer<float>& outputBuffer, int startSample, int numSamples, bool mixed)
-{
-    if (numSamples < 1)
-        return;
-
     if (envelope.state == VoiceEnvelope::idle)
     {
         if (isVoiceActive())
             clearCurrentNote();
         return;
     }
-
-    // Never write outside the buffer, whatever range a caller passes.
-    if (startSample < 0 || outputBuffer.getNumChannels() < 1)
+    if (count < 1)
         return;
-    const int available = outputBuffer.getNumSamples() - startSample;
-    if (available < 1)
-        return;
-    const int count = juce::jmin (numSamples, available);
-
-    float* left = outputBuffer.getWritePointer (0, startSample);
-    float* right = outputBuffer.getNumChannels() > 1 ? outputBuffer.getWritePointer (1, startSample) : nullptr;
 
     for (int chunkStart = 0; chunkStart < count; chunkStart += chunkSize)
     {

@@ -57,7 +57,8 @@ public:
     int getEnvelopeState() const noexcept { return envelope.state; }
 
 private:
-    void renderVoice (juce::AudioBuffer<float>& outputBuffer, int startSample, int numSamples, bool mixed);
+    // `count` samples from `left` and `right` (null for a mono buffer); none where the range was not the buffer's.
+    void renderVoice (float* left, float* right, int count, bool mixed);
     void updateModulatorRatio (float pitchParameter);
     // The noise generator's seed after `draws` steps (at most one chunk) from `seed`.
     static juce::uint64 noiseJump (int draws, juce::uint64 seed) noexcept;
